@@ -1,0 +1,7 @@
+#include "kel/PtrInterface.h"
+
+namespace Kel {
+
+bool threadSafePointers = false;
+
+}  // namespace Kel
