@@ -21,8 +21,8 @@ Registry& registry() {
 
 std::string demangle(const char* mangled) {
   int status = 0;
-  std::unique_ptr<char, decltype(&std::free)> plain(
-      abi::__cxa_demangle(mangled, nullptr, nullptr, &status), &std::free);
+  std::unique_ptr<char, decltype(&std::free)> plain(abi::__cxa_demangle(mangled, nullptr, nullptr, &status),
+                                                    &std::free);
   return status == 0 && plain ? std::string(plain.get()) : std::string(mangled);
 }
 

@@ -13,5 +13,6 @@ namespace Kel {
 
 }  // namespace Kel
 
-#define KEL_ASSERT(expression) \
-  (static_cast<bool>(expression) ? void(0) : ::Kel::assertFail(#expression, __FILE__, __LINE__, __PRETTY_FUNCTION__))
+#define KEL_ASSERT(expression)             \
+  (static_cast<bool>(expression) ? void(0) \
+                                 : ::Kel::assertFail(#expression, __FILE__, __LINE__, __PRETTY_FUNCTION__))

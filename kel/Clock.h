@@ -94,19 +94,12 @@ class Clock : public Entity {
 template <typename Owner>
 class ClockNotifiee : public Clock::NotifieeConst {
  public:
-  ClockNotifiee(Owner* owner, Ptr<const Clock> clock) : NotifieeConst(gateOf(owner), std::move(clock)), owner_(owner) {}
+  ClockNotifiee(Owner* owner, Ptr<const Clock> clock)
+      : NotifieeConst(ownerGate(owner), std::move(clock)), owner_(owner) {}
 
   Owner& owner() const { return *owner_; }
 
  private:
-  static PtrInterface* gateOf(Owner* owner) {
-    if constexpr (std::is_base_of_v<PtrInterface, Owner>) {
-      return owner;
-    } else {
-      return nullptr;
-    }
-  }
-
   Owner* owner_;
 };
 

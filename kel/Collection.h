@@ -99,6 +99,15 @@ class Collection {
   Map members_;
 };
 
+// Tells the reactors of `owner` that the member `key` of collection Attr
+// changed in place: what a state database reports when an attribute of a
+// member entity changes, so that reactors on the collection hear of it as a
+// change of that key.
+template <typename Attr>
+void notifyMemberChanged(const Entity& owner, const typename Attr::Key& key) {
+  owner.notify(Attr::id, &key);
+}
+
 // Scalar<Attr, T>: a scalar attribute of an entity; set() notifies the
 // owner's reactors (with a null key) when the value changes.
 template <typename Attr, typename T>

@@ -17,8 +17,7 @@ class MutatorException : public std::logic_error {
 class MutatorArgNullPointerException : public MutatorException {
  public:
   explicit MutatorArgNullPointerException(const std::string& argument)
-      : MutatorException("null pointer for required argument '" + argument + "'"),
-        argument_(argument) {}
+      : MutatorException("null pointer for required argument '" + argument + "'"), argument_(argument) {}
   const std::string& argument() const { return argument_; }
 
  private:

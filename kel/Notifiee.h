@@ -34,16 +34,14 @@ class Notifiee : public NotifieeBase {
   using NotifierType = Notifier;
   using OwnerType = Owner;
 
-  Notifiee(Owner* owner, Ptr<Notifier> notifier) : NotifieeBase(gateOf(owner)), owner_(owner) {
+  Notifiee(Owner* owner, Ptr<Notifier> notifier) : NotifieeBase(ownerGate(owner)), owner_(owner) {
     notifierIs(notifier);
   }
 
   Owner& owner() const { return *owner_; }
   // The base holds the one counted reference; the notifier was set as a
   // Notifier, so the cast back is exact.
-  Notifier* notifier() const {
-    return const_cast<Notifier*>(static_cast<const Notifier*>(notifierEntity()));
-  }
+  Notifier* notifier() const { return const_cast<Notifier*>(static_cast<const Notifier*>(notifierEntity())); }
   Ptr<Notifier> notifierPtr() const { return Ptr<Notifier>(notifier()); }
 
   // Re-targets the reactor to another entity (null: watches nothing).
@@ -54,14 +52,6 @@ class Notifiee : public NotifieeBase {
   }
 
  private:
-  static PtrInterface* gateOf(Owner* owner) {
-    if constexpr (std::is_base_of_v<PtrInterface, Owner>) {
-      return owner;
-    } else {
-      return nullptr;
-    }
-  }
-
   template <typename Attr>
   bool dispatch(AttributeId attributeId, const void* key) {
     if (attributeId != Attr::id) {

@@ -14,12 +14,25 @@
 // drops either cannot free them under the running call.
 #pragma once
 
+#include <type_traits>
+
 #include "kel/Entity.h"
 #include "kel/Ptr.h"
 #include "kel/PtrInterface.h"
 #include "kel/Types.h"
 
 namespace Kel {
+
+// The object that gates a reactor of `owner`: the owner itself when it is a
+// counted object, else none.
+template <typename Owner>
+PtrInterface* ownerGate(Owner* owner) {
+  if constexpr (std::is_base_of_v<PtrInterface, Owner>) {
+    return owner;
+  } else {
+    return nullptr;
+  }
+}
 
 class NotifieeBase : public PtrInterface {
  public:

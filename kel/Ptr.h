@@ -29,13 +29,13 @@ class Ptr {
   Ptr(const Ptr& other) noexcept : object_(other.object_) { acquire(); }
   Ptr(Ptr&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
   template <typename U>
-    requires std::is_convertible_v<U*, T*>
-  Ptr(const Ptr<U>& other) noexcept : object_(other.get()) {  // NOLINT(google-explicit-constructor)
+  requires std::is_convertible_v<U*, T*> Ptr(const Ptr<U>& other)
+  noexcept : object_(other.get()) {  // NOLINT(google-explicit-constructor)
     acquire();
   }
   template <typename U>
-    requires std::is_convertible_v<U*, T*>
-  Ptr(Ptr<U>&& other) noexcept : object_(other.release()) {}  // NOLINT(google-explicit-constructor)
+  requires std::is_convertible_v<U*, T*> Ptr(Ptr<U>&& other)
+  noexcept : object_(other.release()) {}  // NOLINT(google-explicit-constructor)
   ~Ptr() { reset(); }
 
   Ptr& operator=(Ptr other) noexcept {

@@ -40,7 +40,8 @@ void String::release(Rep* rep) noexcept {
 }
 
 String::String(const char* chars, std::size_t length) : rep_(makeRep({chars, length})) {}
-String::String(const char* chars) : rep_(makeRep(chars == nullptr ? std::string_view() : std::string_view(chars))) {}
+String::String(const char* chars)
+    : rep_(makeRep(chars == nullptr ? std::string_view() : std::string_view(chars))) {}
 String::String(std::string_view chars) : rep_(makeRep(chars)) {}
 
 String::String(const String& other) noexcept : rep_(other.rep_) {

@@ -24,9 +24,10 @@ class String {
  public:
   String() noexcept = default;
   String(const char* chars, std::size_t length);
-  String(const char* chars);  // NOLINT(google-explicit-constructor)
+  String(const char* chars);       // NOLINT(google-explicit-constructor)
   String(std::string_view chars);  // NOLINT(google-explicit-constructor)
-  String(const std::string& chars) : String(std::string_view(chars)) {}  // NOLINT(google-explicit-constructor)
+  String(const std::string& chars)
+      : String(std::string_view(chars)) {}  // NOLINT(google-explicit-constructor)
   String(const String& other) noexcept;
   String(String&& other) noexcept;
   String& operator=(const String& other) noexcept;

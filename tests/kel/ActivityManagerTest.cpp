@@ -1,9 +1,10 @@
 #include "kel/ActivityManager.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -17,7 +18,9 @@ class Pipe {
   Pipe(const Pipe&) = delete;
   Pipe& operator=(const Pipe&) = delete;
   int readEnd() const { return fds_[0]; }
-  void write(const std::string& text) const { EXPECT_EQ(::write(fds_[1], text.data(), text.size()), ssize_t(text.size())); }
+  void write(const std::string& text) const {
+    EXPECT_EQ(::write(fds_[1], text.data(), text.size()), ssize_t(text.size()));
+  }
 
  private:
   int fds_[2] = {-1, -1};

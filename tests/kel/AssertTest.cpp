@@ -1,8 +1,8 @@
 #include "kel/Assert.h"
 
-#include <gtest/gtest.h>
-
 #include <cassert>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -11,7 +11,8 @@ void checkPositive(int value) { KEL_ASSERT(value > 0); }
 bool initialized() { return false; }
 
 TEST(AssertDeathTest, FrameworkAssertionAbortsWithExpressionAndFunction) {
-  EXPECT_DEATH(checkPositive(-1), "AssertTest.cpp:[0-9]+: void .*checkPositive\\(int\\): Assertion `value > 0' failed");
+  EXPECT_DEATH(checkPositive(-1),
+               "AssertTest.cpp:[0-9]+: void .*checkPositive\\(int\\): Assertion `value > 0' failed");
   checkPositive(1);
 }
 

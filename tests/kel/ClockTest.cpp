@@ -1,9 +1,9 @@
 #include "kel/Clock.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 #include "kel/Notifiee.h"

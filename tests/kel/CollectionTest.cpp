@@ -1,9 +1,9 @@
 #include "kel/Collection.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 
@@ -100,6 +100,15 @@ TEST_F(CollectionTest, ReactorOfTheRemovedChildStillAttachedWhileParentIsTold) {
   gadget_->partDel("child");
   EXPECT_EQ(log_, Texts{"p:part child"});
   EXPECT_EQ(child->references(), 2);  // the test and the child's reactor
+}
+
+TEST_F(CollectionTest, MemberChangedInPlaceIsReportedAsItsKey) {
+  const auto wheel = Kel::make<Gadget>("wheel");
+  gadget_->partIs("wheel", wheel);
+  const auto reactor = Kel::makeReactor<GadgetReactor>(owner_.get(), gadget_, std::string("r"));
+  wheel->colorIs(2);
+  Kel::notifyMemberChanged<Gadget::Part>(*gadget_, Kel::String("wheel"));
+  EXPECT_EQ(log_, Texts{"r:part wheel"});
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 #include "kel/Dir.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 
@@ -21,7 +21,9 @@ class OtherEntity : public Kel::Entity {
 class DirReactor : public Kel::Notifiee<DirReactor, Recorder, const Kel::Dir, Kel::Dir::Entry> {
  public:
   using Notifiee::Notifiee;
-  void on(Kel::Dir::Entry /*attr*/, const Kel::String& name) { owner().record("entry " + name.stringValue()); }
+  void on(Kel::Dir::Entry /*attr*/, const Kel::String& name) {
+    owner().record("entry " + name.stringValue());
+  }
 };
 
 TEST(DirTest, EntityPtrFindsAChildByName) {

@@ -56,14 +56,16 @@ class Recorder : public Kel::StateMachine {
 };
 
 // A reactor on a Gadget that records every delivery, tagged with its name.
-class GadgetReactor : public Kel::Notifiee<GadgetReactor, Recorder, const Gadget, Gadget::Color,
-                                           Gadget::Part, Gadget::Port> {
+class GadgetReactor
+    : public Kel::Notifiee<GadgetReactor, Recorder, const Gadget, Gadget::Color, Gadget::Part, Gadget::Port> {
  public:
   GadgetReactor(Recorder* owner, Kel::Ptr<const Gadget> gadget, std::string tag)
       : Notifiee(owner, std::move(gadget)), tag_(std::move(tag)) {}
 
   void on(Gadget::Color /*attr*/) { owner().record(tag_ + ":color"); }
-  void on(Gadget::Part /*attr*/, const Kel::String& name) { owner().record(tag_ + ":part " + name.stringValue()); }
+  void on(Gadget::Part /*attr*/, const Kel::String& name) {
+    owner().record(tag_ + ":part " + name.stringValue());
+  }
   void on(Gadget::Port /*attr*/, const int& port) { owner().record(tag_ + ":port " + std::to_string(port)); }
 
  private:

@@ -1,11 +1,11 @@
 #include "kel/NotifieeList.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 

@@ -1,9 +1,9 @@
 #include "kel/Notifiee.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 

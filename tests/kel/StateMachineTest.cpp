@@ -1,10 +1,10 @@
 #include "kel/StateMachine.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
 #include <tuple>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "KelTestEntities.h"
 #include "kel/Child.h"
@@ -96,7 +96,8 @@ TEST_F(StateMachineTest, SingleChildWithAnyOtherArgumentIsBuiltAnewBeforeTheOldC
   EXPECT_NE(second, third);
   // The old floor machine's close changes the floor's color: the old one is
   // a zombie by then, the new one sees it.
-  EXPECT_EQ(log_, (Texts{"init desk", "init floor", "close desk", "init floor", "close floor", "color floor"}));
+  EXPECT_EQ(log_,
+            (Texts{"init desk", "init floor", "close desk", "init floor", "close floor", "color floor"}));
 }
 
 TEST_F(StateMachineTest, SingleChildNullArgumentEqualsNull) {
@@ -130,7 +131,8 @@ TEST_F(StateMachineTest, KeyedChildIsCreatedForANewKeyAndReturnedForEqualArgumen
 TEST_F(StateMachineTest, KeyedChildWithOtherArgumentsThrowsReinstantiating) {
   Kel::ChildMap<Kel::String, LampSm> lamps;
   lamps.is("desk", Kel::Ptr<const Gadget>(desk_), 40, &log_);
-  EXPECT_THROW(lamps.is("desk", Kel::Ptr<const Gadget>(desk_), 60, &log_), Kel::MutatorReinstantiatingException);
+  EXPECT_THROW(lamps.is("desk", Kel::Ptr<const Gadget>(desk_), 60, &log_),
+               Kel::MutatorReinstantiatingException);
   EXPECT_THROW(lamps.is("desk", Kel::Ptr<const Gadget>(floor_), 40, &log_), Kel::MutatorException);
   EXPECT_EQ(log_, Texts{"init desk"});
 }

@@ -1,9 +1,9 @@
 #include "kel/String.h"
 
-#include <gtest/gtest.h>
-
 #include <sstream>
 #include <unordered_set>
+
+#include <gtest/gtest.h>
 
 namespace {
 
