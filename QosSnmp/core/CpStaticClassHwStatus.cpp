@@ -1,0 +1,10 @@
+#include "QosSnmp/core/CpStaticClassHwStatus.h"
+
+#include "QosSnmp/core/QosKeyUtil.h"
+
+namespace Qos {
+
+CpStaticClassHwStatus::CpStaticClassHwStatus(ClassMapCpStaticType cpStaticType)
+    : Entity(keyText(cpStaticType)), cpStaticType_(cpStaticType) {}
+
+}  // namespace Qos

@@ -1,0 +1,58 @@
+// MibTable<Index, Row, Less>: the rows of one MIB table, kept in SNMP index
+// order so that the SNMP layer answers without scanning:
+//
+//   GET      find(index)          the row, or null
+//   GETNEXT  upperBound(index)    the first row after index
+//   walk     begin(), lowerBound  the first row at or after an index
+//
+// Less must be SNMP index order for Index: the index records' operator<
+// is, and OctetStringIndexLess is for a bare Snmp::String key. Nodes count
+// against the allocation tracker (Kel::TrackedAllocator).
+//
+// set() creates the row or replaces the row already under the index; del()
+// of an absent index does nothing. Pointers and references to a row stay
+// valid until that row is replaced or deleted.
+//
+//   for (auto it = table.upperBound(requested); it != table.end(); ++it) {
+//     answer(it->first, it->second);
+//   }
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <utility>
+
+#include "kel/TrackedAllocator.h"
+
+namespace QosSnmp {
+
+template <typename Index, typename Row, typename Less = std::less<>>
+class MibTable {
+ public:
+  using Map = std::map<Index, Row, Less, Kel::TrackedAllocator<std::pair<const Index, Row>>>;
+  using value_type = typename Map::value_type;
+  using const_iterator = typename Map::const_iterator;
+
+  const Row* find(const Index& index) const {
+    const auto it = rows_.find(index);
+    return it == rows_.end() ? nullptr : &it->second;
+  }
+  bool contains(const Index& index) const { return rows_.find(index) != rows_.end(); }
+  std::size_t size() const { return rows_.size(); }
+  bool empty() const { return rows_.empty(); }
+  const_iterator begin() const { return rows_.begin(); }
+  const_iterator end() const { return rows_.end(); }
+  const_iterator lowerBound(const Index& index) const { return rows_.lower_bound(index); }
+  const_iterator upperBound(const Index& index) const { return rows_.upper_bound(index); }
+
+  void set(const Index& index, Row row) { rows_.insert_or_assign(index, std::move(row)); }
+  // True when there was a row to delete.
+  bool del(const Index& index) { return rows_.erase(index) != 0; }
+  void delAll() { rows_.clear(); }
+
+ private:
+  Map rows_;
+};
+
+}  // namespace QosSnmp

@@ -1,0 +1,48 @@
+// Qos::PolicyMapTypeStatus: the policy maps of one map type, by name.
+//
+// Keyed by its map type, given at construction and never changed; the entity's name is the type's printed
+// form.
+//
+// Every attribute below notifies as Kel::Scalar and Kel::Collection describe: a change of value, or a member
+// added, replaced or deleted (with its key); setting the value an attribute has notifies nobody.
+//
+// Entity members are stored under their own key: setting a null member throws
+// Kel::MutatorArgNullPointerException, and a member whose key is not the key it is set under is a broken
+// invariant (asserted). Readers get members as Kel::Ptr<const T>; the writer keeps the Kel::Ptr<T> it set
+// and changes the member in place.
+#pragma once
+
+#include "QosSnmp/core/PolicyMapStatus.h"
+#include "QosSnmp/core/QosEnums.h"
+#include "kel/Attribute.h"
+#include "kel/Collection.h"
+#include "kel/Entity.h"
+#include "kel/Ptr.h"
+#include "kel/String.h"
+#include "kel/Types.h"
+
+namespace Qos {
+
+class PolicyMapTypeStatus : public Kel::Entity {
+ public:
+  struct Pmap : Kel::CollectionAttribute<1, Kel::String> {};
+
+  explicit PolicyMapTypeStatus(MapType type);
+
+  MapType type() const { return type_; }
+
+  // The policy maps, in byte-wise order of their names.
+  Kel::Ptr<const PolicyMapStatus> pmap(const Kel::String& name) const { return pmap_.get(name); }
+  const Kel::Collection<Pmap, Kel::Ptr<PolicyMapStatus>>& pmap() const { return pmap_; }
+  // REQUIRES: policyMapStatus is not null (else MutatorArgNullPointerException), policyMapStatus->name() ==
+  // name.
+  void pmapIs(const Kel::String& name, Kel::Ptr<PolicyMapStatus> policyMapStatus);
+  bool pmapDel(const Kel::String& name) { return pmap_.del(*this, name); }
+  void pmapDelAll() { pmap_.delAll(*this); }
+
+ private:
+  const MapType type_;
+  Kel::Collection<Pmap, Kel::Ptr<PolicyMapStatus>> pmap_;
+};
+
+}  // namespace Qos
