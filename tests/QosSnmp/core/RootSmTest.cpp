@@ -183,12 +183,22 @@ TEST_F(RootSmTest, EcnQueueEntriesBeforeTheirMachineExistsDoNothing) {
                               }));
 }
 
-TEST_F(RootSmTest, ReleasingTheRootLeavesNoMachineAlive) {
+TEST_F(RootSmTest, ReleasingTheRootLeavesNoMachineOrReactorAlive) {
   switch_.interface("Ethernet1", 1);
-  makeRoot();
-  EXPECT_EQ(Kel::AllocTrackTypeInfo::liveObjectsOf("QosSnmp::RootSm"), 0);
-  EXPECT_EQ(Kel::AllocTrackTypeInfo::liveObjectsOf("QosSnmp::AllIntfStatusDirSm"), 0);
-  EXPECT_EQ(Kel::AllocTrackTypeInfo::liveObjectsOf("QosSnmp::RootSm::KelQosStatus"), 0);
+  switch_.classMap(Qos::mapQos_, "cm-voice");
+  switch_.policyMap(Qos::mapQos_, "pm-edge");
+  switch_.slice("FixedSystem");
+  switch_.qosAclSliceHwStatusDir->entityIs("Acl1", Kel::make<Qos::AclSliceHwStatus>("Acl1"));
+  auto root = makeRoot();
+  EXPECT_GT(Kel::AllocTrackTypeInfo::liveObjectsOf("QosSnmp::MatchSm"), 0);
+  root = nullptr;
+  for (const Kel::AllocTrackTypeInfo* info : Kel::AllocTrackTypeInfo::all()) {
+    const bool agentType =
+        info->name().rfind("QosSnmp::", 0) == 0 && info->name().find("Sm") != std::string::npos;
+    if (agentType) {
+      EXPECT_EQ(info->live(), 0) << info->name();
+    }
+  }
 }
 
 TEST_F(RootSmTest, BuildsEveryChildInItsPlace) {
@@ -267,6 +277,17 @@ TEST_F(RootSmTest, PresentPmapTypeIsRebuiltOnEveryNotification) {
   EXPECT_EQ(QosSnmpTest::mibRows(*switch_.qosMib),
             (Texts{"policyMapTable (pm-edge, 1) pm-edge",
                    "policyMapTable (copp-system-policy, 0) copp-system-policy"}));
+}
+
+TEST_F(RootSmTest, RemovedPmapTypeDropsItsMachineAndRows) {
+  switch_.slice("FixedSystem");
+  switch_.policyMap(Qos::mapQos_, "pm-edge");
+  const auto root = makeRoot();
+  ASSERT_NE(root->policyMapTablesSm().find(Qos::mapQos_), nullptr);
+  switch_.qosStatus->pmapTypeDel(Qos::mapQos_);
+  EXPECT_EQ(root->policyMapTablesSm().find(Qos::mapQos_), nullptr);
+  EXPECT_EQ(QosSnmpTest::mibRows(*switch_.qosMib),
+            Texts{"policyMapTable (copp-system-policy, 0) copp-system-policy"});
 }
 
 TEST_F(RootSmTest, NewSliceRebuildsTheSliceDependentChildren) {
