@@ -9,6 +9,9 @@
 
 namespace QosSnmp {
 
+// The control-plane policy map, under map type 0.
+inline constexpr const char* kCoppPolicyMapName = "copp-system-policy";
+
 // The control-plane drop class, which no table mirrors.
 inline constexpr const char* kCoppDropClassMapName = "copp-system-drop";
 

@@ -16,13 +16,6 @@ namespace QosSnmp {
 
 namespace {
 
-// The map type the agent never mirrors.
-constexpr Kel::U32 kIgnoredMapType = 2;
-
-// The control-plane policy, whose statistics move to the hardware-status
-// statistics when the hardware counts them per class.
-constexpr const char* kCoppPolicyMapName = "copp-system-policy";
-
 // The poll period that switches statistics off.
 constexpr double kStatisticsOff = std::numeric_limits<double>::infinity();
 
@@ -123,7 +116,7 @@ void CoppStatsTableSm::handleClassMap(const Kel::String& cmapName, const Kel::St
   if (auto t = trace(8)) {
     t << "CoppStatsTableSm::handleClassMap( " << cmapName << ", " << pmapName << ", " << type << " )";
   }
-  if (type == kIgnoredMapType || handedToHwStats(pmapName, type) || isCoppDropClassMap(cmapName) ||
+  if (type == Qos::mapPbr_ || handedToHwStats(pmapName, type) || isCoppDropClassMap(cmapName) ||
       interval() == kStatisticsOff) {
     return;
   }

@@ -8,13 +8,6 @@
 
 namespace QosSnmp {
 
-namespace {
-
-// The interface's ifIndex marks an interface that is never indexed.
-constexpr Kel::S32 kIfIndexIgnored = -2;
-
-}  // namespace
-
 AllIntfStatusDirSm::AllIntfStatusDirSm(const Kel::Ptr<const Interface::AllIntfStatusDir>& allIntfStatusDir,
                                        const Kel::Ptr<QosMib>& qosMib, RootSm* rootSm)
     : allIntfStatusDir_(this, allIntfStatusDir), qosMib_(qosMib), rootSm_(rootSm) {
@@ -50,7 +43,7 @@ void AllIntfStatusDirSm::handleIntfStatus(const Pellix::IntfId& intf) {
     return;
   }
   const Kel::S32 ifIndex = IntfSnmp::IntfDetails(status).ifIndex();
-  if (ifIndex == kIfIndexIgnored) {
+  if (ifIndex == Interface::IntfStatus::kIfIndexNever) {
     if (auto t = trace(8)) {
       t << "AllIntfStatusDirSm::handleIntfStatus : skipping " << intf << " because intfIndex is ignored";
     }

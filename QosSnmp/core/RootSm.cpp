@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "QosSnmp/copp/CoppClassMaps.h"
 #include "QosSnmp/core/HandlerTrace.h"
 #include "QosSnmp/core/IntfPairKey.h"
 #include "QosSnmp/core/QosSnmpAgent.h"
@@ -11,15 +12,6 @@
 #include "kel/MutatorException.h"
 
 namespace QosSnmp {
-
-namespace {
-
-// The map type the agent never mirrors.
-constexpr Kel::U32 kIgnoredMapType = 2;
-
-constexpr const char* kCoppPolicyMapName = "copp-system-policy";
-
-}  // namespace
 
 RootSm::RootSm(const Kel::Ptr<const Qos::Config>& qosConfig, const Kel::Ptr<const Qos::Status>& qosStatus,
                const Kel::Ptr<const Qos::HwStatus>& qosHwStatus,
@@ -75,7 +67,7 @@ void RootSm::handleCmapType(Qos::MapType type) {
     t << "RootSm::handleCmapType( " << type << " )";
   }
   assert(initialized());
-  if (type == kIgnoredMapType) {
+  if (type == Qos::mapPbr_) {
     return;
   }
   const Kel::Ptr<const Qos::ClassMapTypeStatus> status = qosStatus_ ? qosStatus_->cmapType(type) : nullptr;
@@ -92,7 +84,7 @@ void RootSm::handlePmapType(Qos::MapType type) {
     t << "RootSm::handlePmapType( " << type << " )";
   }
   assert(initialized());
-  if (type == kIgnoredMapType) {
+  if (type == Qos::mapPbr_) {
     return;
   }
   const Kel::Ptr<const Qos::PolicyMapTypeStatus> status = qosStatus_ ? qosStatus_->pmapType(type) : nullptr;

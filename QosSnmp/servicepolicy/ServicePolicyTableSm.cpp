@@ -15,9 +15,6 @@ namespace QosSnmp {
 
 namespace {
 
-// The map type the agent never mirrors.
-constexpr Kel::U32 kIgnoredMapType = 2;
-
 // An interface without an entry in the MIB model's interface map.
 constexpr Kel::S32 kNoIfIndex = 0;
 
@@ -150,7 +147,7 @@ void ServicePolicyTableSm::doAddOrRemoveEntry(const Pellix::IntfId& intf, const 
   if (auto t = trace(8)) {
     t << "ServicePolicyTableSm::doAddOrRemoveEntry( " << intf << ", " << key << ", " << add << " )";
   }
-  if (key.type() == kIgnoredMapType) {
+  if (key.type() == Qos::mapPbr_) {
     return;
   }
   const Kel::S32 ifIndex = qosMib_->intfIdToifIndex(intf);
@@ -159,7 +156,7 @@ void ServicePolicyTableSm::doAddOrRemoveEntry(const Pellix::IntfId& intf, const 
   if (auto t = trace(8)) {
     t << "ServicePolicyTableSm::doAddOrRemoveEntry() ifIndex: " << ifIndex;
   }
-  if (ifIndex == kNoIfIndex || key.type() == Qos::mapControlPlane_ || key.type() == kIgnoredMapType) {
+  if (ifIndex == kNoIfIndex || key.type() == Qos::mapControlPlane_ || key.type() == Qos::mapPbr_) {
     return;
   }
   const ServicePolicyTableIndex index(ifIndex, static_cast<Kel::S32>(key.direction()));

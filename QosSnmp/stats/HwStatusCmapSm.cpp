@@ -13,9 +13,6 @@ namespace QosSnmp {
 
 namespace {
 
-// The control-plane policy, whose statistics the control-plane statistics
-// table writes instead while the hardware counts them per class.
-constexpr std::string_view kCoppPolicyMapName = "copp-system-policy";
 // The control-plane policy's default class: not static, yet it keeps its
 // hardware action rows like the static classes.
 constexpr std::string_view kCoppDefaultClassMapName = "copp-system-default";
