@@ -6,6 +6,11 @@
 // so a callback may add or remove descriptors (including its own), and a
 // descriptor number reused after a reconnect is picked up.
 //
+// A library that keeps its own socket set and timeouts (net-snmp) joins the
+// loop as a TurnHook: before every wait it declares the descriptors it wants
+// watched and how long the wait may last, after the wait it is told which of
+// them are ready, and it gets that call on every turn, ready or not.
+//
 //   Kel::ActivityManager loop(Kel::System::clock());
 //   loop.fdReadableIs(fd, [&] { readChanges(); });
 //   loop.run();              // until stop()
@@ -13,6 +18,7 @@
 
 #include <functional>
 #include <map>
+#include <vector>
 
 #include "kel/Clock.h"
 #include "kel/Ptr.h"
@@ -21,6 +27,19 @@ namespace Kel {
 
 class ActivityManager {
  public:
+  // A participant that re-declares its descriptors and wait limit on every
+  // turn. It must outlive its registration (turnHookDel before destruction).
+  class TurnHook {
+   public:
+    virtual ~TurnHook() = default;
+    // Before the wait: appends the descriptors to watch for reading to
+    // `fds`; returns the longest wait in seconds it allows (may be infinite).
+    virtual double beforeWait(std::vector<int>& fds) = 0;
+    // After the wait: the descriptors it appended that are readable (or
+    // closed by their peer), possibly none.
+    virtual void afterWait(const std::vector<int>& readyFds) = 0;
+  };
+
   explicit ActivityManager(Ptr<Clock> clock);
   ActivityManager(const ActivityManager&) = delete;
   ActivityManager& operator=(const ActivityManager&) = delete;
@@ -30,9 +49,16 @@ class ActivityManager {
   void fdDel(int fd);
   std::size_t fds() const { return readers_.size(); }
 
+  // Hooks run in the order they were added; a hook may remove itself (or
+  // another) from afterWait, and a removed hook gets no further call.
+  void turnHookIs(TurnHook* hook);
+  void turnHookDel(TurnHook* hook);
+  std::size_t turnHooks() const { return hooks_.size(); }
+
   // One turn: waits at most `maxWaitSeconds` (less when a timer is due
-  // sooner), then runs ready descriptors and due timers. Returns the number
-  // of descriptors served.
+  // sooner, or a turn hook asks for less), then runs ready descriptors, the
+  // turn hooks and due timers. Returns the number of descriptors served
+  // (readers' and hooks' alike).
   std::size_t runOnce(double maxWaitSeconds);
   // Turns until stop() is called (from a callback or a signal handler).
   void run();
@@ -44,6 +70,7 @@ class ActivityManager {
  private:
   Ptr<Clock> clock_;
   std::map<int, std::function<void()>> readers_;
+  std::vector<TurnHook*> hooks_;
   volatile bool stopped_ = false;
 };
 

@@ -7,23 +7,26 @@
 // arguments (Sm::arguments(), see StateMachine); otherwise it builds the new
 // child first (its constructor runs its initial scan), switches it on, and
 // only then closes and releases the old one. del() closes and releases.
+// As a member of a machine, it shows its child to the machine's MemberList.
 #pragma once
 
+#include <optional>
 #include <tuple>
 #include <utility>
 
-#include "kel/Make.h"
+#include "kel/ChildMember.h"
+#include "kel/MemberList.h"
 #include "kel/Ptr.h"
 
 namespace Kel {
 
 template <typename Sm>
-class Child {
+class Child : private MemberList::Member {
  public:
   Child() = default;
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
-  ~Child() { del(); }
+  ~Child() override { del(); }
 
   Sm* get() const { return sm_.get(); }
   Sm* operator->() const { return sm_.get(); }
@@ -35,7 +38,7 @@ class Child {
     if (sm_ && sm_->arguments() == std::tie(args...)) {
       return sm_.get();
     }
-    Ptr<Sm> fresh = make<Sm>(std::forward<Args>(args)...);
+    Ptr<Sm> fresh = detail::makeChild<Sm>(std::forward<Args>(args)...);
     fresh->hasNotificationActiveIs(true);
     const Ptr<Sm> old = std::exchange(sm_, std::move(fresh));
     if (old) {
@@ -51,6 +54,12 @@ class Child {
   }
 
  private:
+  void describe(MemberList::Visitor& visitor) const override {
+    if (sm_) {
+      visitor.onChild(detail::childView(*sm_, std::nullopt));
+    }
+  }
+
   Ptr<Sm> sm_;
 };
 

@@ -10,7 +10,8 @@
 // arguments (T::arguments()) and otherwise throws
 // MutatorReinstantiatingException: an owner that means to rebuild deletes
 // first. del(key) and delAll() close and release children, in key order.
-// Children iterate in key order.
+// Children iterate in key order. As a member of a machine, it shows its
+// children to the machine's MemberList, each with its key as printed.
 #pragma once
 
 #include <functional>
@@ -20,7 +21,8 @@
 
 #include "kel/AllocTrackTypeInfo.h"
 #include "kel/Assert.h"
-#include "kel/Make.h"
+#include "kel/ChildMember.h"
+#include "kel/MemberList.h"
 #include "kel/MutatorException.h"
 #include "kel/Ptr.h"
 #include "kel/TrackedAllocator.h"
@@ -28,7 +30,7 @@
 namespace Kel {
 
 template <typename Key, typename T>
-class ChildMap {
+class ChildMap : private MemberList::Member {
  public:
   using Map = std::map<Key, Ptr<T>, std::less<>, TrackedAllocator<std::pair<const Key, Ptr<T>>>>;
   using const_iterator = typename Map::const_iterator;
@@ -36,7 +38,7 @@ class ChildMap {
   ChildMap() = default;
   ChildMap(const ChildMap&) = delete;
   ChildMap& operator=(const ChildMap&) = delete;
-  ~ChildMap() { delAll(); }
+  ~ChildMap() override { delAll(); }
 
   template <typename... Args>
   T* is(const Key& key, Args&&... args) {
@@ -47,7 +49,7 @@ class ChildMap {
       }
       throwMutatorReinstantiating(allocTrackTypeInfo<T>().name());
     }
-    Ptr<T> child = make<T>(std::forward<Args>(args)...);
+    Ptr<T> child = detail::makeChild<T>(std::forward<Args>(args)...);
     child->hasNotificationActiveIs(true);
     T* raw = child.get();
     const bool added = members_.try_emplace(key, std::move(child)).second;
@@ -82,6 +84,13 @@ class ChildMap {
   }
 
  private:
+  void describe(MemberList::Visitor& visitor) const override {
+    std::size_t position = 0;
+    for (const auto& [key, child] : members_) {
+      visitor.onChild(detail::childView(*child, detail::keyText(key, position++)));
+    }
+  }
+
   Map members_;
 };
 

@@ -5,18 +5,24 @@
 //   qosStatsTableKey_.del(index);                // row removed
 //   qosStatsTableKey_.drain([&](const QosStatsTableIndex& i) { qosMib_->qosStatsTableDel(i); });
 //
-// Indexes iterate in order.
+// Indexes iterate in order. As a member of a machine, it shows the
+// machine's MemberList how many rows it holds, labelled with the index type's
+// unqualified name ("QosStatsTableIndex").
 #pragma once
 
 #include <functional>
 #include <set>
+#include <string>
+#include <typeinfo>
 
+#include "kel/MemberList.h"
 #include "kel/TrackedAllocator.h"
+#include "kel/TypeName.h"
 
 namespace Kel {
 
 template <typename Index>
-class KeySet {
+class KeySet : private MemberList::Member {
  public:
   using Set = std::set<Index, std::less<>, TrackedAllocator<Index>>;
   using const_iterator = typename Set::const_iterator;
@@ -42,6 +48,11 @@ class KeySet {
   }
 
  private:
+  void describe(MemberList::Visitor& visitor) const override {
+    static const std::string kLabel = unqualifiedTypeName(typeid(Index));
+    visitor.onKeySet(kLabel, indexes_.size());
+  }
+
   Set indexes_;
 };
 

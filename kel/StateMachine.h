@@ -15,8 +15,13 @@
 // of values it was built from, so that Child and ChildMap can tell whether a
 // later ...SmIs call asks for the same machine (entities compare by
 // identity, null equal to null; other values by equality).
+//
+// Introspection: members() lists the machine's Child, ChildMap and KeySet
+// members (see MemberList), for a machine built by Kel::make<T>();
+// Kel::StateMachineTree walks them from a root.
 #pragma once
 
+#include "kel/MemberList.h"
 #include "kel/PtrInterface.h"
 
 namespace Kel {
@@ -29,6 +34,8 @@ class StateMachine : public PtrInterface {
   void close();
   bool closed() const { return closed_; }
 
+  const MemberList& members() const { return members_; }
+
  protected:
   StateMachine() { PtrInterface::hasNotificationActiveIs(true); }
 
@@ -39,8 +46,10 @@ class StateMachine : public PtrInterface {
   void onLastReference() noexcept override;
 
  private:
+  // The flags first: they fill PtrInterface's tail padding.
   bool initialized_ = false;
   bool closed_ = false;
+  MemberList members_;
 };
 
 }  // namespace Kel

@@ -2,7 +2,11 @@
 
 #include <unistd.h>
 
+#include <chrono>
+#include <functional>
+#include <limits>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -63,6 +67,76 @@ TEST(ActivityManagerTest, StopEndsRun) {
   pipe.write("x");
   loop.run();
   EXPECT_TRUE(loop.stopped());
+}
+
+// Declares one descriptor and a wait limit each turn, and records what it was told.
+class RecordingHook : public Kel::ActivityManager::TurnHook {
+ public:
+  RecordingHook(int fd, double maxWait) : fd_(fd), maxWait_(maxWait) {}
+  double beforeWait(std::vector<int>& fds) override {
+    ++before;
+    fds.push_back(fd_);
+    return maxWait_;
+  }
+  void afterWait(const std::vector<int>& readyFds) override {
+    readyCounts.push_back(readyFds.size());
+    if (!readyFds.empty()) {
+      EXPECT_EQ(readyFds.front(), fd_);
+      char buffer[16];
+      EXPECT_GT(::read(fd_, buffer, sizeof buffer), 0);
+    }
+    if (onAfter) {
+      onAfter();
+    }
+  }
+
+  int before = 0;
+  std::vector<std::size_t> readyCounts;
+  std::function<void()> onAfter;
+
+ private:
+  int fd_;
+  double maxWait_;
+};
+
+TEST(ActivityManagerTest, TurnHookIsToldWhichOfItsDescriptorsAreReady) {
+  Kel::ActivityManager loop(Kel::Clock::makeVirtual());
+  const Pipe pipe;
+  RecordingHook hook(pipe.readEnd(), std::numeric_limits<double>::infinity());
+  loop.turnHookIs(&hook);
+  EXPECT_EQ(loop.runOnce(0.0), 0U);
+  pipe.write("x");
+  EXPECT_EQ(loop.runOnce(1.0), 1U);
+  EXPECT_EQ(hook.before, 2);
+  EXPECT_EQ(hook.readyCounts, (std::vector<std::size_t>{0, 1}));
+  loop.turnHookDel(&hook);
+  EXPECT_EQ(loop.turnHooks(), 0U);
+}
+
+TEST(ActivityManagerTest, TurnHookShortensTheWait) {
+  Kel::ActivityManager loop(Kel::Clock::makeVirtual());
+  const Pipe pipe;
+  RecordingHook hook(pipe.readEnd(), 0.0);
+  loop.turnHookIs(&hook);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(loop.runOnce(30.0), 0U);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+  EXPECT_EQ(hook.readyCounts, (std::vector<std::size_t>{0}));
+}
+
+TEST(ActivityManagerTest, TurnHookRemovedByAnEarlierHookGetsNoCall) {
+  Kel::ActivityManager loop(Kel::Clock::makeVirtual());
+  const Pipe first;
+  const Pipe second;
+  RecordingHook remover(first.readEnd(), 0.0);
+  RecordingHook removed(second.readEnd(), 0.0);
+  remover.onAfter = [&] { loop.turnHookDel(&removed); };
+  loop.turnHookIs(&remover);
+  loop.turnHookIs(&removed);
+  loop.runOnce(0.0);
+  EXPECT_EQ(removed.before, 1);
+  EXPECT_TRUE(removed.readyCounts.empty());
+  EXPECT_EQ(loop.turnHooks(), 1U);
 }
 
 }  // namespace
