@@ -132,9 +132,10 @@ void CoppStatsTableSm::handleClassMap(const Kel::String& cmapName, const Kel::St
   if (counter) {
     qosMib_->qosStatsTableIs(index, nullptr, counter);
     qosStatsTableKeyIs(index);
-    // Keyed by the class-map name alone: a class map that already has a
-    // child, made for another policy map, shares it.
-    if (toggleQosSnmpPolicerStatsTableEnabled() && !qosStatusCmapPolicerStatsTableSm(cmapName)) {
+    // Keyed by the class-map name alone: the same class map counted under
+    // another policy map asks for the child with other arguments, which the
+    // framework refuses (the host keeps such input out).
+    if (toggleQosSnmpPolicerStatsTableEnabled()) {
       qosStatusCmapPolicerStatsTableSmIs(cmapName, type, pmapName, counter, qosMibConfig_.entity(), qosMib_);
     }
   } else {

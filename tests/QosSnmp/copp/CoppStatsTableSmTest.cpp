@@ -294,36 +294,23 @@ TEST_F(CoppStatsTableSmTest, CoppPolicyRowsWrittenBeforeHardwareStatsStayUntilCl
   EXPECT_TRUE(statsRows().empty());
 }
 
-TEST_F(CoppStatsTableSmTest, SameClassMapUnderTwoPolicyMapsSharesOnePolicerChild) {
+TEST_F(CoppStatsTableSmTest, SameClassMapCountedUnderTwoPolicyMapsThrowsReinstantiation) {
   switch_.qosMib->intfIdToifIndexIs(Pellix::IntfId(Kel::String("Ethernet1")), 3);
   const auto pmA = switch_.policyMap(Qos::mapQos_, "pmA");
   const auto pmB = switch_.policyMap(Qos::mapQos_, "pmB");
-  const auto counterA = counterIs(*pmA, "shared");
-  const auto counterB = counterIs(*pmB, "shared");
-  policerIs(*counterA, "Ethernet1");
-  policerIs(*counterB, "Ethernet1");
+  policerIs(*counterIs(*pmA, "shared"), "Ethernet1");
   const auto sm = makeSm();
-  EXPECT_EQ(statsRows(), (Texts{
-                             "qosStatsTable (pmA, 1, shared, 0) - shared",
-                             "qosStatsTable (pmB, 1, shared, 0) - shared",
-                         }));
-  ASSERT_EQ(sm->qosStatusCmapPolicerStatsTableSm().size(), 1U);
-  const auto* child = sm->qosStatusCmapPolicerStatsTableSm("shared");
-  ASSERT_NE(child, nullptr);
-  EXPECT_EQ(child->policyMapName(), Kel::String("pmA"));
   EXPECT_EQ(policerRows(), Texts{"qosPolicerStatsTable (pmA, 1, shared, 3) Ethernet1"});
 
-  // Removing the class from pmB removes the child for pmA as well.
-  pmB->cmapCountersDel("shared");
-  EXPECT_EQ(statsRows(), Texts{"qosStatsTable (pmA, 1, shared, 0) - shared"});
-  EXPECT_EQ(sm->qosStatusCmapPolicerStatsTableSm("shared"), nullptr);
-  EXPECT_TRUE(policerRows().empty());
+  // The policer child is keyed by the class-map name alone: pmB's counters
+  // ask for it with other arguments.
+  EXPECT_THROW(counterIs(*pmB, "shared"), Kel::MutatorReinstantiatingException);
 }
 
 TEST_F(CoppStatsTableSmTest, PolicerChildUnderAKeyBuiltFromOtherArgumentsThrowsReinstantiation) {
   const auto counterA = counterIs(*switch_.policyMap(Qos::mapQos_, "pmA"), "shared");
-  const auto counterB = counterIs(*switch_.policyMap(Qos::mapQos_, "pmB"), "shared");
   const auto sm = makeSm();
+  const auto counterB = Kel::make<Qos::Counter>(Kel::String("shared"));
   auto* const child = sm->qosStatusCmapPolicerStatsTableSm("shared");
   EXPECT_EQ(sm->qosStatusCmapPolicerStatsTableSmIs("shared", Qos::mapQos_, "pmA", counterA,
                                                    switch_.qosMibConfig, switch_.qosMib),
