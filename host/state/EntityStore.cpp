@@ -1,0 +1,200 @@
+#include "host/state/EntityStore.h"
+
+#include <algorithm>
+
+namespace QosSnmpHost {
+namespace {
+
+JsonPointer attrPathOf(const EntityType& type, const Attr& attr, const JsonPointer& path) {
+  return type.flat ? path : path / attr.name;
+}
+
+const Json& attrValueOf(const EntityType& type, const Attr& attr, const Json& canonical) {
+  return type.flat ? canonical : canonical.at(attr.name);
+}
+
+// The canonical value of an attribute of a freshly made entity, as far as
+// collections and entity-valued scalars go (scalars are always set).
+Json freshValueOf(const Attr& attr) { return attr.isCollection() ? Json::object() : Json(nullptr); }
+
+}  // namespace
+
+Kel::Ptr<Kel::Entity> EntityStore::buildRoot(const EntityType& type, const std::string& name,
+                                             const Json& canonical) {
+  return build(type.makeRoot(name), type, canonical, JsonPointer() / name);
+}
+
+Kel::Ptr<Kel::Entity> EntityStore::at(const JsonPointer& path) const {
+  const auto it = byPath_.find(path.to_string());
+  return it == byPath_.end() ? nullptr : it->second;
+}
+
+const std::string* EntityStore::pathOf(const Kel::Entity* entity) const {
+  const auto it = pathByEntity_.find(entity);
+  return it == pathByEntity_.end() ? nullptr : &it->second;
+}
+
+std::vector<std::string> EntityStore::paths() const {
+  std::vector<std::string> paths;
+  paths.reserve(byPath_.size());
+  for (const auto& [path, entity] : byPath_) {
+    paths.push_back(path);
+  }
+  std::sort(paths.begin(), paths.end());
+  return paths;
+}
+
+void EntityStore::add(const JsonPointer& path, const Kel::Ptr<Kel::Entity>& entity) {
+  std::string text = path.to_string();
+  pathByEntity_[entity.get()] = text;
+  byPath_[std::move(text)] = entity;
+}
+
+void EntityStore::forget(const JsonPointer& path) {
+  const auto it = byPath_.find(path.to_string());
+  if (it != byPath_.end()) {
+    pathByEntity_.erase(it->second.get());
+    byPath_.erase(it);
+  }
+}
+
+Kel::Ptr<Kel::Entity> EntityStore::build(const Kel::Ptr<Kel::Entity>& entity, const EntityType& type,
+                                         const Json& canonical, const JsonPointer& path) {
+  add(path, entity);
+  fill(*entity, type, canonical, path);
+  return entity;
+}
+
+void EntityStore::fill(Kel::Entity& entity, const EntityType& type, const Json& canonical,
+                       const JsonPointer& path) {
+  for (const auto& attr : type.attrs) {
+    const Json& value = attrValueOf(type, attr, canonical);
+    if (attr.kind == Attr::Kind::scalar) {
+      attr.setScalar(entity, value);
+    } else {
+      updateAttr(entity, attr, freshValueOf(attr), value, path, attrPathOf(type, attr, path));
+    }
+  }
+}
+
+void EntityStore::update(Kel::Entity& entity, const EntityType& type, const Json& before, const Json& after,
+                         const JsonPointer& path) {
+  for (const auto& attr : type.attrs) {
+    const Json& was = attrValueOf(type, attr, before);
+    const Json& now = attrValueOf(type, attr, after);
+    if (was != now) {
+      updateAttr(entity, attr, was, now, path, attrPathOf(type, attr, path));
+    }
+  }
+}
+
+void EntityStore::updateAttr(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
+                             const JsonPointer& holderPath, const JsonPointer& attrPath) {
+  switch (attr.kind) {
+    case Attr::Kind::scalar:
+      if (before != after) {
+        attr.setScalar(holder, after);
+      }
+      return;
+    case Attr::Kind::values:
+    case Attr::Kind::entities:
+      updateCollection(holder, attr, before, after, attrPath);
+      return;
+    case Attr::Kind::reference:
+    case Attr::Kind::entityOrReference:
+      updateEntityValued(holder, attr, before, after, holderPath, attrPath);
+      return;
+  }
+}
+
+void EntityStore::updateCollection(Kel::Entity& holder, const Attr& attr, const Json& before,
+                                   const Json& after, const JsonPointer& attrPath) {
+  for (const auto& [key, was] : before.items()) {
+    if (!after.contains(key)) {
+      deleteMember(holder, attr, key, was, attrPath / key);
+    }
+  }
+  for (const auto& [key, now] : after.items()) {
+    const auto was = before.find(key);
+    setMember(holder, attr, key, was == before.end() ? nullptr : &*was, now, attrPath / key);
+  }
+}
+
+void EntityStore::setMember(Kel::Entity& holder, const Attr& attr, const std::string& key, const Json* before,
+                            const Json& after, const JsonPointer& memberPath) {
+  if (before != nullptr && *before == after) {
+    return;
+  }
+  if (attr.kind == Attr::Kind::values) {
+    attr.setValue(holder, key, after);
+  } else if (before == nullptr) {
+    attr.addEntity(holder, key, build(attr.makeMember(key), *attr.member, after, memberPath));
+  } else {
+    update(*at(memberPath), *attr.member, *before, after, memberPath);
+    if (attr.memberChanged != nullptr) {
+      attr.memberChanged(holder, key);
+    }
+  }
+}
+
+void EntityStore::deleteMember(Kel::Entity& holder, const Attr& attr, const std::string& key,
+                               const Json& before, const JsonPointer& memberPath) {
+  if (attr.kind == Attr::Kind::entities) {
+    empty(*at(memberPath), *attr.member, before, memberPath);
+  }
+  attr.delMember(holder, key);
+  if (attr.kind == Attr::Kind::entities) {
+    forget(memberPath);
+  }
+}
+
+void EntityStore::empty(Kel::Entity& entity, const EntityType& type, const Json& canonical,
+                        const JsonPointer& path) {
+  for (const auto& attr : type.attrs) {
+    const Json& value = attrValueOf(type, attr, canonical);
+    if (attr.isEntityValued() && !value.is_null()) {
+      updateEntityValued(entity, attr, value, nullptr, path, attrPathOf(type, attr, path));
+    }
+  }
+  for (const auto& attr : type.attrs) {
+    if (attr.isCollection()) {
+      const JsonPointer attrPath = attrPathOf(type, attr, path);
+      for (const auto& [key, member] : attrValueOf(type, attr, canonical).items()) {
+        deleteMember(entity, attr, key, member, attrPath / key);
+      }
+    }
+  }
+}
+
+void EntityStore::dropOwned(Kel::Entity& holder, const Attr& attr, const Json& before,
+                            const JsonPointer& attrPath) {
+  empty(*at(attrPath), *attr.member, before, attrPath);
+  attr.setEntity(holder, nullptr);
+  forget(attrPath);
+}
+
+void EntityStore::updateEntityValued(Kel::Entity& holder, const Attr& attr, const Json& before,
+                                     const Json& after, const JsonPointer& holderPath,
+                                     const JsonPointer& attrPath) {
+  if (before == after) {
+    return;
+  }
+  if (before.is_object() && after.is_object() && before.at("name") == after.at("name")) {
+    update(*at(attrPath), *attr.member, before, after, attrPath);
+    return;
+  }
+  // Anything else replaces the value: an owned entity is deleted first.
+  if (before.is_object()) {
+    dropOwned(holder, attr, before, attrPath);
+  }
+  if (after.is_string()) {
+    attr.setEntity(holder, at(attr.referencePath(holderPath, after.get<std::string>())));
+  } else if (after.is_object()) {
+    const auto& name = after.at("name").get_ref<const std::string&>();
+    attr.setEntity(holder, build(attr.makeMember(name), *attr.member, after, attrPath));
+  } else if (!before.is_object()) {
+    attr.setEntity(holder, nullptr);
+  }
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,275 @@
+#include "host/state/InvariantPolicerStats.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "QosSnmp/copp/CoppClassMaps.h"
+#include "QosSnmp/core/QosEnums.h"
+
+namespace QosSnmpHost {
+namespace {
+
+using Json = InvariantView::Json;
+using Path = InvariantView::Path;
+
+const Path kPolicyMapTypes = {"qosStatus", "pmapType"};
+const Path kPollPeriod = {"mibConfig", "counterPollPeriod"};
+const Path kCoppHwStats = {"hwStatus", "coppHwStatsSupported"};
+const Path kControlPlaneClassMaps = {"qosStatus", "cmapType", Qos::enumName(Qos::mapControlPlane_), "cmap"};
+
+const char* const kKeyedByName =
+    " (the policer statistics machine is keyed by the class-map name alone and cannot be re-created with "
+    "other "
+    "arguments)";
+
+// A policy map's own type as the key it would be listed under: the name, or
+// the number of a type without one.
+std::string typeKeyOf(const Json* type) {
+  if (type == nullptr) {
+    return std::string();
+  }
+  return type->is_string() ? type->get<std::string>() : type->dump();
+}
+
+// The keys of the object `object` (none when it is not one).
+std::vector<std::string> keysOf(const Json* object) {
+  std::vector<std::string> keys;
+  if (object != nullptr && object->is_object()) {
+    for (const auto& member : object->items()) {
+      keys.push_back(member.key());
+    }
+  }
+  return keys;
+}
+
+// The map types present after the transition, in the table's order (by
+// number).
+std::vector<std::string> typesInOrder(const InvariantView& view) {
+  std::vector<std::string> types = keysOf(view.after(kPolicyMapTypes));
+  const auto number = [](const std::string& key) {
+    const auto type = invariantEnum<Qos::MapType>(Json(key));
+    return type ? static_cast<unsigned long long>(*type) : ~0ULL;
+  };
+  std::stable_sort(types.begin(), types.end(), [&](const std::string& left, const std::string& right) {
+    return number(left) < number(right);
+  });
+  return types;
+}
+
+Path countersPath(const std::string& type, const std::string& pmapName, const std::string& cmapName) {
+  return InvariantView::join(kPolicyMapTypes, {type, "pmap", pmapName, "cmapCounters", cmapName});
+}
+
+// Whether the table counts class `cmapName` of policy map `pmapName` of
+// (own) type `type`, its counters aside.
+bool counted(const InvariantView& view, const std::string& pmapName, const std::string& type,
+             const std::string& cmapName) {
+  const auto mapType = invariantEnum<Qos::MapType>(Json(type));
+  if (mapType == Qos::mapPbr_ || cmapName == QosSnmp::kCoppDropClassMapName) {
+    return false;
+  }
+  if (mapType != Qos::mapControlPlane_) {
+    return true;
+  }
+  if (pmapName == QosSnmp::kCoppPolicyMapName && view.flagAfter(kCoppHwStats)) {
+    return false;
+  }
+  const Json* cpType = view.after(InvariantView::join(kControlPlaneClassMaps, {cmapName, "cpType"}));
+  return cpType == nullptr || invariantEnum<Qos::ClassMapCpType>(*cpType) != Qos::classMapCpStatic_;
+}
+
+// Why asking for the machine of `cmapName` with the counters at `asked`
+// fails while the agent holds one made from `held` (gone: those counters
+// have left the document).
+std::string conflictMessage(const InvariantView& view, const std::string& cmapName, const Path& asked,
+                            const Path& held, bool gone) {
+  // held = /qosStatus/pmapType/<type>/pmap/<name>/cmapCounters/<class>
+  if (!gone && counted(view, held[4], held[2], cmapName)) {
+    return "counters " + InvariantView::pointerText(held) + " and " + InvariantView::pointerText(asked) +
+           " count class map \"" + cmapName + "\" under two policy maps" + kKeyedByName;
+  }
+  return "counters " + InvariantView::pointerText(asked) +
+         " would re-create the policer statistics machine of "
+         "class map \"" +
+         cmapName + "\", which the agent still holds for the " + (gone ? "removed " : "") + "counters " +
+         InvariantView::pointerText(held) + kKeyedByName;
+}
+
+}  // namespace
+
+InvariantPolicerStats::InvariantPolicerStats(bool enabled) : enabled_(enabled) {}
+
+bool InvariantPolicerStats::statisticsOn(const InvariantView& view) {
+  const Json* period = view.after(kPollPeriod);
+  return period == nullptr || !period->is_string();
+}
+
+void InvariantPolicerStats::look(const InvariantView& view, Machines& machines, const std::string& pmapName,
+                                 const Json* ownTypeValue, const std::string& cmapName,
+                                 std::optional<std::string>& conflict) {
+  const std::string ownType = typeKeyOf(ownTypeValue);
+  if (conflict || !counted(view, pmapName, ownType, cmapName)) {
+    return;
+  }
+  Path looked = countersPath(ownType, pmapName, cmapName);
+  if (view.after(looked) == nullptr) {
+    machines.erase(cmapName);
+    return;
+  }
+  const auto [held, made] = machines.try_emplace(cmapName, Machine{looked, false});
+  if (!made && (held->second.gone || held->second.counters != looked)) {
+    conflict = conflictMessage(view, cmapName, looked, held->second.counters, held->second.gone);
+  }
+}
+
+std::optional<std::string> InvariantPolicerStats::scan(const InvariantView& view, Machines& machines,
+                                                       const std::set<std::string>* names) {
+  std::optional<std::string> conflict;
+  for (const std::string& key : typesInOrder(view)) {
+    const Path policyMaps = InvariantView::join(kPolicyMapTypes, {key, "pmap"});
+    for (const std::string& pmapName : keysOf(view.after(policyMaps))) {
+      const Path policyMap = InvariantView::join(policyMaps, {pmapName});
+      const Json* ownType = view.after(InvariantView::join(policyMap, {"type"}));
+      for (const std::string& cmapName :
+           keysOf(view.after(InvariantView::join(policyMap, {"cmapCounters"})))) {
+        if (names == nullptr || names->count(cmapName) != 0) {
+          look(view, machines, pmapName, ownType, cmapName, conflict);
+        }
+      }
+    }
+  }
+  return conflict;
+}
+
+std::optional<std::set<std::string>> InvariantPolicerStats::touched(const InvariantView& view) {
+  if (view.isBuild() || view.reaches(kPollPeriod) || view.reaches(kCoppHwStats) ||
+      view.covers(kPolicyMapTypes) || view.covers({"qosStatus", "cmapType"})) {
+    return std::nullopt;
+  }
+  std::set<std::string> names;
+  for (const std::string& type : view.changedMembers(kPolicyMapTypes)) {
+    const Path policyMaps = InvariantView::join(kPolicyMapTypes, {type, "pmap"});
+    for (const std::string& pmapName : view.changedMembers(policyMaps)) {
+      const Path policyMap = InvariantView::join(policyMaps, {pmapName});
+      const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
+      if (view.before(policyMap) == nullptr || view.after(policyMap) == nullptr ||
+          view.changed(InvariantView::join(policyMap, {"type"}))) {
+        for (const Json* object : {view.before(counters), view.after(counters)}) {
+          for (std::string& name : keysOf(object)) {
+            names.insert(std::move(name));
+          }
+        }
+        continue;
+      }
+      for (const std::string& name : view.changedMembers(counters)) {
+        const Path member = InvariantView::join(counters, {name});
+        if ((view.before(member) == nullptr) != (view.after(member) == nullptr)) {
+          names.insert(name);
+        }
+      }
+    }
+  }
+  for (const std::string& name : view.changedMembers(kControlPlaneClassMaps)) {
+    names.insert(name);
+  }
+  return names;
+}
+
+std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& view, Machines& machines) {
+  std::optional<std::string> conflict;
+  if (!statisticsOn(view)) {
+    // Nothing is looked at; counters that leave leave their machine behind.
+  } else if (view.isBuild() || view.changed(kPollPeriod)) {
+    // The full scan (a build scans twice, alike).
+    conflict = scan(view, machines, nullptr);
+  } else if (view.reaches(kPolicyMapTypes)) {
+    // As the loader delivers it: members deleted (emptied first), then
+    // added or updated, in key order, at every level.
+    const auto gone = [&](const Path& at) { return view.before(at) != nullptr && view.after(at) == nullptr; };
+    // Every class of a policy map as it is before (leaving) or after (come).
+    const auto lookAll = [&](const Path& policyMap, bool before) {
+      const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
+      const Path type = InvariantView::join(policyMap, {"type"});
+      for (const std::string& cmapName : keysOf(before ? view.before(counters) : view.after(counters))) {
+        look(view, machines, policyMap.back(), before ? view.before(type) : view.after(type), cmapName,
+             conflict);
+      }
+    };
+    const std::vector<std::string> types = view.changedMembers(kPolicyMapTypes);
+    for (const bool deletingType : {true, false}) {
+      for (const std::string& type : types) {
+        const Path typeStatus = InvariantView::join(kPolicyMapTypes, {type});
+        if (gone(typeStatus) != deletingType) {
+          continue;
+        }
+        const Path policyMaps = InvariantView::join(typeStatus, {"pmap"});
+        const std::vector<std::string> names = view.changedMembers(policyMaps);
+        for (const bool deletingPmap : {true, false}) {
+          for (const std::string& pmapName : names) {
+            const Path policyMap = InvariantView::join(policyMaps, {pmapName});
+            if (gone(policyMap) != deletingPmap) {
+              continue;
+            }
+            if (deletingPmap || view.before(policyMap) == nullptr) {
+              lookAll(policyMap, deletingPmap);
+              continue;
+            }
+            const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
+            const Json* ownType = view.after(InvariantView::join(policyMap, {"type"}));
+            const std::vector<std::string> classes = view.changedMembers(counters);
+            for (const bool leaving : {true, false}) {
+              for (const std::string& cmapName : classes) {
+                const Path member = InvariantView::join(counters, {cmapName});
+                if (leaving ? gone(member) : view.before(member) == nullptr) {
+                  look(view, machines, pmapName, ownType, cmapName, conflict);
+                }
+              }
+            }
+          }
+        }
+      }
+    }
+  }
+  // Counters leave only with a change at or above their own level.
+  const std::size_t countersLevel = 7;  // /qosStatus/pmapType/<type>/pmap/<name>/cmapCounters/<class>
+  if (view.reaches(kPolicyMapTypes) && view.path().size() <= countersLevel) {
+    for (auto& [cmapName, machine] : machines) {
+      if (!machine.gone && view.after(machine.counters) == nullptr) {
+        machine.gone = true;
+      }
+    }
+  }
+  return conflict;
+}
+
+std::optional<std::string> InvariantPolicerStats::refusal(const InvariantView& view) const {
+  if (!enabled_) {
+    return std::nullopt;
+  }
+  const std::optional<std::set<std::string>> names = touched(view);
+  if (names && names->empty()) {
+    return std::nullopt;
+  }
+  Machines machines = machines_;
+  if (auto conflict = replay(view, machines)) {
+    return conflict;
+  }
+  // The next full scan (the poll period changing to a finite value) must
+  // not conflict either: an infinite period, or a class no longer counted,
+  // only delays the failure to it.
+  return scan(view, machines, names ? &*names : nullptr);
+}
+
+void InvariantPolicerStats::applied(const InvariantView& view) {
+  if (!enabled_) {
+    return;
+  }
+  if (view.isBuild()) {
+    machines_.clear();
+  }
+  if (view.isBuild() || view.reaches(kPollPeriod) || view.reaches(kPolicyMapTypes)) {
+    replay(view, machines_);
+  }
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,62 @@
+// LoadError: why a switch state document or a change line was refused, as
+// one line for an operator: "<file>:<line>: <path>: <message>", for example
+//
+//   changes.jsonl:7: /qosStatus/pmapType/mapQos/pmap/pm1/classPrio/x: expected a priority (unsigned
+//   32-bit decimal), got "x"
+//
+// The path is the canonical JSON Pointer of the offending value in the
+// document (left out when the error is not about one value, for example a
+// JSON syntax error or a missing file); the line is 0 when unknown (then
+// left out too). Source names where a text came from; Result<T> is a value or
+// the error that prevented it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace QosSnmpHost {
+
+// Where a document or a change line came from.
+struct Source {
+  std::string file;
+  int line = 0;
+};
+
+struct LoadError {
+  std::string file;
+  int line = 0;
+  // The offending value's JSON Pointer; nullopt when the error is not about
+  // one value. The whole document is "" and prints as "(document)".
+  std::optional<std::string> path;
+  std::string message;
+
+  // "<file>:<line>: <path>: <message>", without the parts that are unknown.
+  std::string text() const;
+};
+
+// A value of type T, or the LoadError that prevented it.
+template <typename T>
+class Result {
+ public:
+  Result(T value) : value_(std::move(value)) {}          // NOLINT(google-explicit-constructor)
+  Result(LoadError error) : error_(std::move(error)) {}  // NOLINT(google-explicit-constructor)
+
+  bool ok() const { return value_.has_value(); }
+  explicit operator bool() const { return ok(); }
+
+  // REQUIRES: ok().
+  T& value() { return *value_; }
+  const T& value() const { return *value_; }
+  T* operator->() { return &*value_; }
+  const T* operator->() const { return &*value_; }
+
+  // REQUIRES: !ok().
+  const LoadError& error() const { return *error_; }
+
+ private:
+  std::optional<T> value_;
+  std::optional<LoadError> error_;
+};
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,674 @@
+#include "host/state/StateSchema.h"
+
+#include <map>
+#include <type_traits>
+#include <utility>
+
+#include "QosSnmp/core/AclSliceHwStatus.h"
+#include "QosSnmp/core/Action.h"
+#include "QosSnmp/core/AllIntfStatusDir.h"
+#include "QosSnmp/core/ChipCounter.h"
+#include "QosSnmp/core/ClassAction.h"
+#include "QosSnmp/core/ClassMapHwStatus.h"
+#include "QosSnmp/core/ClassMapMatch.h"
+#include "QosSnmp/core/ClassMapStatus.h"
+#include "QosSnmp/core/ClassMapTypeStatus.h"
+#include "QosSnmp/core/ClassPriority.h"
+#include "QosSnmp/core/Config.h"
+#include "QosSnmp/core/Counter.h"
+#include "QosSnmp/core/CpStaticClassHwStatus.h"
+#include "QosSnmp/core/EcnCounterTable.h"
+#include "QosSnmp/core/EcnIntfCounterStatus.h"
+#include "QosSnmp/core/EcnIntfQueueCounter.h"
+#include "QosSnmp/core/HwCounter.h"
+#include "QosSnmp/core/HwStatus.h"
+#include "QosSnmp/core/IntfStatus.h"
+#include "QosSnmp/core/PolicerHwStatus.h"
+#include "QosSnmp/core/PolicyMapHwStatus.h"
+#include "QosSnmp/core/PolicyMapStatus.h"
+#include "QosSnmp/core/PolicyMapTypeHwStatus.h"
+#include "QosSnmp/core/PolicyMapTypeStatus.h"
+#include "QosSnmp/core/QosMibConfig.h"
+#include "QosSnmp/core/ServicePolicyConfig.h"
+#include "QosSnmp/core/ServicePolicyStatus.h"
+#include "QosSnmp/core/SliceHwCounter.h"
+#include "QosSnmp/core/SliceHwStatus.h"
+#include "QosSnmp/core/Status.h"
+#include "host/state/StateCodec.h"
+#include "kel/Dir.h"
+#include "kel/Make.h"
+
+namespace QosSnmpHost {
+namespace {
+
+// ---- Traits of the model's mutators -------------------------------------
+
+template <typename F>
+struct Mutator;
+// A scalar setter: void E::xIs(T).
+template <typename E, typename R, typename A>
+struct Mutator<R (E::*)(A)> {
+  using Entity = E;
+  using Arg = std::decay_t<A>;
+};
+// A member setter: void E::xIs(K, V).
+template <typename E, typename R, typename K, typename V>
+struct Mutator<R (E::*)(K, V)> {
+  using Entity = E;
+  using Key = std::decay_t<K>;
+  using Value = std::decay_t<V>;
+};
+
+template <typename P>
+struct PtrTarget;
+template <typename T>
+struct PtrTarget<Kel::Ptr<T>> {
+  using Type = T;
+};
+
+template <typename E>
+E& as(Kel::Entity& entity) {
+  return static_cast<E&>(entity);
+}
+
+// ---- Attribute declarators ----------------------------------------------
+
+// A scalar attribute set through `Setter`; `defaultValue` as written in a
+// document (the type's zero when absent).
+template <auto Setter>
+Attr scalar(std::string name, const Json& defaultValue = nullptr) {
+  using E = typename Mutator<decltype(Setter)>::Entity;
+  using T = typename Mutator<decltype(Setter)>::Arg;
+  Attr attr;
+  attr.name = std::move(name);
+  attr.kind = Attr::Kind::scalar;
+  attr.valueExpected = &ValueCodec<T>::expected;
+  attr.valueCanonical = &ValueCodec<T>::canonical;
+  attr.defaultValue =
+      defaultValue.is_null() ? ValueCodec<T>::zero() : *ValueCodec<T>::canonical(defaultValue);
+  attr.setScalar = [](Kel::Entity& holder, const Json& value) {
+    (as<E>(holder).*Setter)(ValueCodec<T>::value(value));
+  };
+  return attr;
+}
+
+// A scalar whose default is the key its entity's holder is listed under.
+template <auto Setter>
+Attr scalarDefaultingToOwnerKey(std::string name) {
+  Attr attr = scalar<Setter>(std::move(name));
+  attr.defaultIsOwnerKey = true;
+  return attr;
+}
+
+template <typename KeyForm, typename Key>
+void setKeyForm(Attr& attr, std::string keyExpected) {
+  attr.keyExpected = keyExpected.empty() ? KeyCodec<KeyForm>::expected() : std::move(keyExpected);
+  attr.keyCanonical = &KeyCodec<KeyForm>::canonical;
+}
+
+// A collection of values, added through `Is` and deleted through `Del`.
+template <auto Is, auto Del>
+Attr values(std::string name, std::string keyExpected = {}) {
+  using E = typename Mutator<decltype(Is)>::Entity;
+  using K = typename Mutator<decltype(Is)>::Key;
+  using V = typename Mutator<decltype(Is)>::Value;
+  Attr attr;
+  attr.name = std::move(name);
+  attr.kind = Attr::Kind::values;
+  attr.valueExpected = &ValueCodec<V>::expected;
+  attr.valueCanonical = &ValueCodec<V>::canonical;
+  setKeyForm<K, K>(attr, std::move(keyExpected));
+  attr.setValue = [](Kel::Entity& holder, const std::string& key, const Json& value) {
+    (as<E>(holder).*Is)(KeyCodec<K>::key(key), ValueCodec<V>::value(value));
+  };
+  attr.delMember = [](Kel::Entity& holder, const std::string& key) {
+    (as<E>(holder).*Del)(KeyCodec<K>::key(key));
+  };
+  return attr;
+}
+
+// A collection of member entities of type M (the setter's pointee unless
+// given), each built from its key; KeyForm checks the keys' form when it is
+// stricter than the key type (an interface name held as a string).
+template <auto Is, auto Del, typename M = void, typename KeyForm = void>
+Attr entities(std::string name, const EntityType& member, std::string keyExpected = {}) {
+  using E = typename Mutator<decltype(Is)>::Entity;
+  using K = typename Mutator<decltype(Is)>::Key;
+  using V = typename Mutator<decltype(Is)>::Value;
+  using Member = std::conditional_t<std::is_void_v<M>, typename PtrTarget<V>::Type, M>;
+  using Form = std::conditional_t<std::is_void_v<KeyForm>, K, KeyForm>;
+  Attr attr;
+  attr.name = std::move(name);
+  attr.kind = Attr::Kind::entities;
+  attr.member = &member;
+  setKeyForm<Form, K>(attr, std::move(keyExpected));
+  attr.makeMember = [](const std::string& key) -> Kel::Ptr<Kel::Entity> {
+    return Kel::make<Member>(KeyCodec<K>::key(key));
+  };
+  attr.addEntity = [](Kel::Entity& holder, const std::string& key, const Kel::Ptr<Kel::Entity>& entity) {
+    (as<E>(holder).*Is)(KeyCodec<K>::key(key), Kel::ptrCast<typename PtrTarget<V>::Type>(entity));
+  };
+  attr.delMember = [](Kel::Entity& holder, const std::string& key) {
+    (as<E>(holder).*Del)(KeyCodec<K>::key(key));
+  };
+  return attr;
+}
+
+// Two collections report a member changed in place as a change of its key,
+// as the state database does for them: the interface status directory (an
+// interface's ifIndex changes while it stays listed) and a slice's static
+// control-plane classes (the hardware re-ranks a class in place).
+template <typename CollectionAttr>
+void notifyMemberChanged(Kel::Entity& holder, const std::string& key) {
+  Kel::notifyMemberChanged<CollectionAttr>(holder, KeyCodec<typename CollectionAttr::Key>::key(key));
+}
+
+Attr intfStatusMembers(const EntityType& intfStatus) {
+  Attr attr =
+      entities<&Interface::AllIntfStatusDir::intfStatusIs, &Interface::AllIntfStatusDir::intfStatusDel>(
+          "intfStatus", intfStatus);
+  attr.memberChanged = &notifyMemberChanged<Interface::AllIntfStatusDir::IntfStatus>;
+  return attr;
+}
+
+Attr cpStaticClassMembers(const EntityType& cpStaticClassHwStatus) {
+  Attr attr =
+      entities<&Qos::SliceHwStatus::cpStaticClassHwStatusIs, &Qos::SliceHwStatus::cpStaticClassHwStatusDel>(
+          "cpStaticClassHwStatus", cpStaticClassHwStatus);
+  attr.memberChanged = &notifyMemberChanged<Qos::SliceHwStatus::CpStaticClassHwStatus>;
+  return attr;
+}
+
+template <auto Setter>
+void setEntityValued(Attr& attr, Attr::Kind kind, std::string referenceNoun,
+                     JsonPointer (*referencePath)(const JsonPointer&, const std::string&)) {
+  using E = typename Mutator<decltype(Setter)>::Entity;
+  using T = typename PtrTarget<typename Mutator<decltype(Setter)>::Arg>::Type;
+  attr.kind = kind;
+  attr.referenceNoun = std::move(referenceNoun);
+  attr.referencePath = referencePath;
+  attr.setEntity = [](Kel::Entity& holder, const Kel::Ptr<Kel::Entity>& entity) {
+    (as<E>(holder).*Setter)(Kel::ptrCast<T>(entity));
+  };
+}
+
+// An entity-valued scalar that names an entity held elsewhere.
+template <auto Setter>
+Attr reference(std::string name, std::string referenceNoun,
+               JsonPointer (*referencePath)(const JsonPointer&, const std::string&)) {
+  Attr attr;
+  attr.name = std::move(name);
+  setEntityValued<Setter>(attr, Attr::Kind::reference, std::move(referenceNoun), referencePath);
+  return attr;
+}
+
+// An entity-valued scalar holding either its own entity (built from its
+// name) or a reference.
+template <auto Setter>
+Attr entityOrReference(std::string name, const EntityType& member, std::string referenceNoun,
+                       JsonPointer (*referencePath)(const JsonPointer&, const std::string&)) {
+  using T = typename PtrTarget<typename Mutator<decltype(Setter)>::Arg>::Type;
+  Attr attr;
+  attr.name = std::move(name);
+  attr.member = &member;
+  attr.makeMember = [](const std::string& name) -> Kel::Ptr<Kel::Entity> {
+    return Kel::make<T>(Kel::String(name));
+  };
+  setEntityValued<Setter>(attr, Attr::Kind::entityOrReference, std::move(referenceNoun), referencePath);
+  return attr;
+}
+
+EntityType entity(std::string name, std::vector<Attr> attrs) {
+  EntityType type;
+  type.name = std::move(name);
+  type.attrs = std::move(attrs);
+  for (const auto& attr : type.attrs) {
+    type.holdsReferences = type.holdsReferences || attr.isEntityValued() ||
+                           (attr.member != nullptr && attr.member->holdsReferences);
+  }
+  return type;
+}
+
+EntityType flatEntity(std::string name, Attr members) {
+  EntityType type = entity(std::move(name), {std::move(members)});
+  type.flat = true;
+  return type;
+}
+
+template <typename E>
+EntityType root(EntityType type) {
+  type.makeRoot = [](const std::string& name) -> Kel::Ptr<Kel::Entity> {
+    return Kel::make<E>(Kel::String(name));
+  };
+  return type;
+}
+
+// A policy map's default class: /qosStatus/cmapType/<its map type>/cmap/<name>.
+JsonPointer classMapOfPolicyMap(const JsonPointer& policyMap, const std::string& name) {
+  const JsonPointer typeStatus = policyMap.parent_pointer().parent_pointer();
+  return JsonPointer("/qosStatus/cmapType") / typeStatus.back() / "cmap" / name;
+}
+
+// A policy map's default class action by name: its own classAction member.
+JsonPointer classActionOfPolicyMap(const JsonPointer& policyMap, const std::string& name) {
+  return policyMap / "classAction" / name;
+}
+
+// ---- The tables ---------------------------------------------------------
+//
+// Members are declared before the types that hold them.
+struct Tables {  // NOLINT(bugprone-exception-escape): built once, on first use
+  using CMS = Qos::ClassMapStatus;
+  using PMS = Qos::PolicyMapStatus;
+  using A = Qos::Action;
+  using CHS = Qos::ClassMapHwStatus;
+  using PHS = Qos::PolicerHwStatus;
+  using HS = Qos::HwStatus;
+  using CC = Qos::ChipCounter;
+  using IQC = Qos::EcnIntfQueueCounter;
+
+  EntityType classMapMatch = entity("ClassMapMatch", {scalar<&Qos::ClassMapMatch::valueIs>("value")});
+  EntityType classMapStatus =
+      entity("ClassMapStatus", {
+                                   scalarDefaultingToOwnerKey<&CMS::typeIs>("type"),
+                                   scalar<&CMS::cpTypeIs>("cpType"),
+                                   scalar<&CMS::cpStaticTypeIs>("cpStaticType"),
+                                   scalar<&CMS::matchConditionIs>("matchCondition"),
+                                   entities<&CMS::matchIs, &CMS::matchDel>("match", classMapMatch),
+                               });
+  EntityType classMapTypeStatus = entity(
+      "ClassMapTypeStatus", {entities<&Qos::ClassMapTypeStatus::cmapIs, &Qos::ClassMapTypeStatus::cmapDel>(
+                                "cmap", classMapStatus, "a class-map name (a non-empty string)")});
+  EntityType action = entity("Action", {
+                                           scalar<&A::valueIs>("value"),
+                                           scalar<&A::rateIs>("rate"),
+                                           scalar<&A::rateUnitIs>("rateUnit"),
+                                           scalar<&A::burstSizeIs>("burstSize"),
+                                           scalar<&A::peakRateIs>("peakRate"),
+                                           scalar<&A::peakBurstSizeIs>("peakBurstSize"),
+                                       });
+  Attr policyActions() const {
+    return entities<&Qos::ClassAction::policyActionIs, &Qos::ClassAction::policyActionDel>("policyAction",
+                                                                                           action);
+  }
+  EntityType classAction = entity("ClassAction", {policyActions()});
+  EntityType namedClassAction = [this] {
+    EntityType type = entity("ClassAction", {policyActions()});
+    type.named = true;
+    return type;
+  }();
+  EntityType classPriority = entity("ClassPriority", {scalar<&Qos::ClassPriority::cmapNameIs>("cmapName")});
+  EntityType policerHwStatus =
+      entity("PolicerHwStatus", {
+                                    scalar<&PHS::conformedPacketsIs>("conformedPackets"),
+                                    scalar<&PHS::conformedBytesIs>("conformedBytes"),
+                                    scalar<&PHS::exceededPacketsIs>("exceededPackets"),
+                                    scalar<&PHS::exceededBytesIs>("exceededBytes"),
+                                    scalar<&PHS::violatedPacketsIs>("violatedPackets"),
+                                    scalar<&PHS::violatedBytesIs>("violatedBytes"),
+                                });
+  EntityType counter = entity(
+      "Counter",
+      {
+          scalar<&Qos::Counter::packetsIs>("packets"),
+          scalar<&Qos::Counter::bytesIs>("bytes"),
+          scalar<&Qos::Counter::droppedPacketsIs>("droppedPackets"),
+          scalar<&Qos::Counter::droppedBytesIs>("droppedBytes"),
+          entities<&Qos::Counter::policerHwStatusIs, &Qos::Counter::policerHwStatusDel, void, Pellix::IntfId>(
+              "policerHwStatus", policerHwStatus),
+      });
+  EntityType policyMapStatus =
+      entity("PolicyMapStatus",
+             {
+                 scalarDefaultingToOwnerKey<&PMS::typeIs>("type"),
+                 entities<&PMS::classActionIs, &PMS::classActionDel>("classAction", classAction,
+                                                                     "a class-map name (a non-empty string)"),
+                 entities<&PMS::classPrioIs, &PMS::classPrioDel>("classPrio", classPriority,
+                                                                 "a priority (unsigned 32-bit decimal)"),
+                 reference<&PMS::classDefaultIs>("classDefault", "class map", &classMapOfPolicyMap),
+                 entityOrReference<&PMS::defaultClassActionIs>("defaultClassAction", namedClassAction,
+                                                               "class action", &classActionOfPolicyMap),
+                 entities<&PMS::cmapCountersIs, &PMS::cmapCountersDel>(
+                     "cmapCounters", counter, "a class-map name (a non-empty string)"),
+             });
+  EntityType policyMapTypeStatus = entity(
+      "PolicyMapTypeStatus", {entities<&Qos::PolicyMapTypeStatus::pmapIs, &Qos::PolicyMapTypeStatus::pmapDel>(
+                                 "pmap", policyMapStatus, "a policy-map name (a non-empty string)")});
+  EntityType servicePolicyStatus = entity(
+      "ServicePolicyStatus",
+      {values<&Qos::ServicePolicyStatus::intfIdsIs, &Qos::ServicePolicyStatus::intfIdsDel>("intfIds")});
+  EntityType status = root<Qos::Status>(entity(
+      "Status",
+      {
+          entities<&Qos::Status::cmapTypeIs, &Qos::Status::cmapTypeDel>("cmapType", classMapTypeStatus),
+          entities<&Qos::Status::pmapTypeIs, &Qos::Status::pmapTypeDel>("pmapType", policyMapTypeStatus),
+          entities<&Qos::Status::servicePolicyStatusIs, &Qos::Status::servicePolicyStatusDel>(
+              "servicePolicyStatus", servicePolicyStatus),
+      }));
+  EntityType servicePolicyConfig = entity(
+      "ServicePolicyConfig",
+      {values<&Qos::ServicePolicyConfig::intfIdsIs, &Qos::ServicePolicyConfig::intfIdsDel>("intfIds")});
+  EntityType config = root<Qos::Config>(
+      entity("Config", {entities<&Qos::Config::servicePolicyConfigIs, &Qos::Config::servicePolicyConfigDel>(
+                           "servicePolicyConfig", servicePolicyConfig)}));
+  EntityType hwStatus =
+      root<HS>(entity("HwStatus", {
+                                      scalar<&HS::coppSupportedIs>("coppSupported"),
+                                      scalar<&HS::coppHwStatsSupportedIs>("coppHwStatsSupported"),
+                                      scalar<&HS::ecnCountersSupportedIs>("ecnCountersSupported"),
+                                      scalar<&HS::ecnQueueCountersSupportedIs>("ecnQueueCountersSupported"),
+                                      scalar<&HS::ecnQueueCountersFlagIs>("ecnQueueCountersFlag"),
+                                      scalar<&HS::numEcnQueuesIs>("numEcnQueues"),
+                                  }));
+  EntityType classMapHwStatus =
+      entity("ClassMapHwStatus", {
+                                     scalar<&CHS::programmingStatusIs>("programmingStatus"),
+                                     scalar<&CHS::packetsIs>("packets"),
+                                     scalar<&CHS::bytesIs>("bytes"),
+                                     scalar<&CHS::droppedPacketsIs>("droppedPackets"),
+                                     scalar<&CHS::droppedBytesIs>("droppedBytes"),
+                                     scalar<&CHS::shapeRateIs>("shapeRate"),
+                                     scalar<&CHS::bandwidthIs>("bandwidth"),
+                                 });
+  EntityType policyMapHwStatus = entity(
+      "PolicyMapHwStatus", {
+                               scalar<&Qos::PolicyMapHwStatus::pmapKindIs>("pmapKind"),
+                               entities<&Qos::PolicyMapHwStatus::cmapIs, &Qos::PolicyMapHwStatus::cmapDel>(
+                                   "cmap", classMapHwStatus, "a class-map name (a non-empty string)"),
+                           });
+  EntityType policyMapTypeHwStatus =
+      entity("PolicyMapTypeHwStatus",
+             {entities<&Qos::PolicyMapTypeHwStatus::pmapIs, &Qos::PolicyMapTypeHwStatus::pmapDel>(
+                 "pmap", policyMapHwStatus)});
+  EntityType cpStaticClassHwStatus =
+      entity("CpStaticClassHwStatus",
+             {
+                 scalar<&Qos::CpStaticClassHwStatus::hwRankIs>("hwRank"),
+                 scalar<&Qos::CpStaticClassHwStatus::programmingStatusIs>("programmingStatus"),
+             });
+  EntityType ecnIntfCounterStatus = entity(
+      "EcnIntfCounterStatus", {scalar<&Qos::EcnIntfCounterStatus::programmingStatusIs>("programmingStatus")});
+  EntityType sliceHwStatus =
+      entity("SliceHwStatus",
+             {
+                 entities<&Qos::SliceHwStatus::pmapTypeHwStatusIs, &Qos::SliceHwStatus::pmapTypeHwStatusDel>(
+                     "pmapTypeHwStatus", policyMapTypeHwStatus),
+                 cpStaticClassMembers(cpStaticClassHwStatus),
+                 entities<&Qos::SliceHwStatus::ecnIntfCounterHwStatusIs,
+                          &Qos::SliceHwStatus::ecnIntfCounterHwStatusDel>("ecnIntfCounterHwStatus",
+                                                                          ecnIntfCounterStatus),
+             });
+  EntityType aclSliceHwStatus = entity(
+      "AclSliceHwStatus",
+      {entities<&Qos::AclSliceHwStatus::pmapTypeHwStatusIs, &Qos::AclSliceHwStatus::pmapTypeHwStatusDel>(
+          "pmapTypeHwStatus", policyMapTypeHwStatus)});
+  EntityType sliceDir = root<Kel::Dir>(
+      flatEntity("Dir", entities<&Kel::Dir::entityIs, &Kel::Dir::entityDel, Qos::SliceHwStatus>(
+                            "sliceHwStatus", sliceHwStatus, "a slice name (a non-empty string)")));
+  EntityType aclSliceDir = root<Kel::Dir>(
+      flatEntity("Dir", entities<&Kel::Dir::entityIs, &Kel::Dir::entityDel, Qos::AclSliceHwStatus>(
+                            "aclSliceHwStatus", aclSliceHwStatus, "a slice name (a non-empty string)")));
+  EntityType mibConfig = root<QosSnmp::QosMibConfig>(
+      entity("QosMibConfig", {scalar<&QosSnmp::QosMibConfig::counterPollPeriodIs>(
+                                 "counterPollPeriod", QosSnmp::QosMibConfig::kDefaultCounterPollPeriod)}));
+  EntityType intfStatus = entity(
+      "IntfStatus",
+      {
+          scalar<&Interface::IntfStatus::snmpIfIndexIs>("snmpIfIndex", Interface::IntfStatus::kIfIndexNone),
+          scalar<&Interface::IntfStatus::operStatusIs>("operStatus"),
+          scalar<&Interface::IntfStatus::descriptionIs>("description"),
+      });
+  EntityType allIntfStatusDir =
+      root<Interface::AllIntfStatusDir>(flatEntity("AllIntfStatusDir", intfStatusMembers(intfStatus)));
+  EntityType chipCounter = entity("ChipCounter", {
+                                                     scalar<&CC::ecnMarkedPacketsIs>("ecnMarkedPackets"),
+                                                     scalar<&CC::ecnMarkedBytesIs>("ecnMarkedBytes"),
+                                                     scalar<&CC::ecnDroppedPacketsIs>("ecnDroppedPackets"),
+                                                 });
+  EntityType sliceHwCounter =
+      entity("SliceHwCounter",
+             {entities<&Qos::SliceHwCounter::perChipCountIs, &Qos::SliceHwCounter::perChipCountDel>(
+                 "perChipCount", chipCounter, "a chip name (a non-empty string)")});
+  EntityType hwCounter = root<Qos::HwCounter>(
+      entity("HwCounter", {entities<&Qos::HwCounter::sliceHwCounterIs, &Qos::HwCounter::sliceHwCounterDel>(
+                              "sliceHwCounter", sliceHwCounter, "a slice name (a non-empty string)")}));
+  EntityType ecnIntfQueueCounter =
+      entity("EcnIntfQueueCounter", {
+                                        values<&IQC::queueMarkedPacketsIs, &IQC::queueMarkedPacketsDel>(
+                                            "queueMarkedPackets", "a queue number (unsigned 8-bit decimal)"),
+                                        values<&IQC::queueMarkedBytesIs, &IQC::queueMarkedBytesDel>(
+                                            "queueMarkedBytes", "a queue number (unsigned 8-bit decimal)"),
+                                    });
+  EntityType ecnCounterTable = root<Qos::EcnCounterTable>(
+      entity("EcnCounterTable",
+             {entities<&Qos::EcnCounterTable::intfQueueCounterIs, &Qos::EcnCounterTable::intfQueueCounterDel>(
+                 "intfQueueCounter", ecnIntfQueueCounter)}));
+
+  StateSchema schema{{
+      {"qosConfig", &config},
+      {"qosStatus", &status},
+      {"hwStatus", &hwStatus},
+      {"sliceHwStatus", &sliceDir},
+      {"aclSliceHwStatus", &aclSliceDir},
+      {"mibConfig", &mibConfig},
+      {"intfStatus", &allIntfStatusDir},
+      {"hwCounter", &hwCounter},
+      {"ecnCounterTable", &ecnCounterTable},
+  }};
+};
+
+std::string quotedList(const std::vector<std::string>& names) {
+  std::string list;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    list += (i == 0 ? "" : i + 1 == names.size() ? " or " : ", ") + ("\"" + names[i] + "\"");
+  }
+  return list;
+}
+
+SchemaError mismatch(const JsonPointer& path, const std::string& expected, const Json& got) {
+  return SchemaError{path, "expected " + expected + ", got " + detail::shown(got)};
+}
+
+Json canonicalName(const Json& input, const JsonPointer& path, const std::string& what) {
+  if (!input.is_string() || input.get<std::string>().empty()) {
+    throw mismatch(path, what, input);
+  }
+  return input;
+}
+
+Json canonicalCollection(const Attr& attr, const Json& input, const JsonPointer& path,
+                         const std::string& holderKey) {
+  if (!input.is_object()) {
+    throw mismatch(path, "an object of members keyed by " + attr.keyExpected, input);
+  }
+  Json members = Json::object();
+  std::map<std::string, std::string> rawOf;
+  for (const auto& [raw, value] : input.items()) {
+    const JsonPointer memberPath = path / raw;
+    const std::string key = canonicalKey(attr, raw, memberPath);
+    if (const auto [it, added] = rawOf.emplace(key, raw); !added) {
+      std::string message = "duplicate member: \"" + raw;
+      message += "\" and \"" + it->second;
+      message += "\" are both \"" + key + "\"";
+      throw SchemaError{memberPath, std::move(message)};
+    }
+    members[key] = canonicalMember(attr, value, memberPath, key, holderKey);
+  }
+  return members;
+}
+
+}  // namespace
+
+const Attr* EntityType::attr(std::string_view attrName) const {
+  for (const auto& attr : attrs) {
+    if (attr.name == attrName) {
+      return &attr;
+    }
+  }
+  return nullptr;
+}
+
+std::string EntityType::attrList() const {
+  std::vector<std::string> names;
+  if (named) {
+    names.emplace_back("name");
+  }
+  for (const auto& attr : attrs) {
+    names.push_back(attr.name);
+  }
+  return quotedList(names);
+}
+
+const StateSchema::Root* StateSchema::root(std::string_view name) const {
+  for (const auto& root : roots) {
+    if (root.name == name) {
+      return &root;
+    }
+  }
+  return nullptr;
+}
+
+std::string StateSchema::rootList() const {
+  std::vector<std::string> names;
+  for (const auto& root : roots) {
+    names.push_back(root.name);
+  }
+  return quotedList(names);
+}
+
+const StateSchema& stateSchema() {
+  static const Tables kTables;
+  return kTables.schema;
+}
+
+std::string canonicalKey(const Attr& attr, std::string_view raw, const JsonPointer& path) {
+  auto key = attr.keyCanonical(raw);
+  if (!key) {
+    throw mismatch(path, attr.keyExpected, Json(std::string(raw)));
+  }
+  return std::move(*key);
+}
+
+Json defaultOf(const Attr& attr, const std::string& holderOwnerKey) {
+  switch (attr.kind) {
+    case Attr::Kind::scalar:
+      return attr.defaultIsOwnerKey ? *attr.valueCanonical(Json(holderOwnerKey)) : attr.defaultValue;
+    case Attr::Kind::values:
+    case Attr::Kind::entities:
+      return Json::object();
+    case Attr::Kind::reference:
+    case Attr::Kind::entityOrReference:
+      break;
+  }
+  return nullptr;
+}
+
+Json canonicalEntity(const EntityType& type, const Json& input, const JsonPointer& path,
+                     const std::string& ownKey, const std::string& ownerKey) {
+  if (type.flat) {
+    return canonicalCollection(type.attrs.front(), input, path, ownKey);
+  }
+  if (!input.is_object()) {
+    throw mismatch(path, "a " + type.name + " (an object with " + type.attrList() + ")", input);
+  }
+  for (const auto& [name, value] : input.items()) {
+    if (type.attr(name) == nullptr && !(type.named && name == "name")) {
+      throw SchemaError{path / name, "unknown attribute \"" + name + "\" of " + type.name + " (expected " +
+                                         type.attrList() + ")"};
+    }
+  }
+  Json canonical = Json::object();
+  std::string key = ownKey;
+  if (type.named) {
+    const auto name = input.find("name");
+    if (name == input.end()) {
+      throw SchemaError{path, "a " + type.name + " object needs its \"name\""};
+    }
+    canonical["name"] = canonicalName(*name, path / "name", "a name (a non-empty string)");
+    key = name->get<std::string>();
+  }
+  for (const auto& attr : type.attrs) {
+    const auto given = input.find(attr.name);
+    canonical[attr.name] = given == input.end()
+                               ? defaultOf(attr, ownerKey)
+                               : canonicalAttr(attr, *given, path / attr.name, key, ownerKey);
+  }
+  return canonical;
+}
+
+Json canonicalAttr(const Attr& attr, const Json& input, const JsonPointer& path, const std::string& holderKey,
+                   const std::string& holderOwnerKey) {
+  switch (attr.kind) {
+    case Attr::Kind::scalar:
+      if (auto value = attr.valueCanonical(input)) {
+        return std::move(*value);
+      }
+      throw mismatch(path, attr.valueExpected(), input);
+    case Attr::Kind::values:
+    case Attr::Kind::entities:
+      return canonicalCollection(attr, input, path, holderKey);
+    case Attr::Kind::reference:
+      if (input.is_null()) {
+        return input;
+      }
+      return canonicalName(input, path, "null or a " + attr.referenceNoun + " name (a non-empty string)");
+    case Attr::Kind::entityOrReference:
+      if (input.is_null()) {
+        return input;
+      }
+      if (input.is_object()) {
+        return canonicalEntity(*attr.member, input, path, "", holderKey);
+      }
+      return canonicalName(input, path,
+                           "null, a " + attr.referenceNoun + " name (a non-empty string) or a " +
+                               attr.member->name + " object with its \"name\"");
+  }
+  (void)holderOwnerKey;
+  return nullptr;
+}
+
+Json canonicalMember(const Attr& attr, const Json& input, const JsonPointer& path, const std::string& key,
+                     const std::string& holderKey) {
+  if (attr.kind == Attr::Kind::values) {
+    if (auto value = attr.valueCanonical(input)) {
+      return std::move(*value);
+    }
+    throw mismatch(path, attr.valueExpected(), input);
+  }
+  return canonicalEntity(*attr.member, input, path, key, holderKey);
+}
+
+namespace {
+
+void checkEntityReferences(const Json& document, const EntityType& type, const Json& canonical,
+                           const JsonPointer& path) {
+  for (const auto& attr : type.attrs) {
+    const JsonPointer attrPath = type.flat ? path : path / attr.name;
+    const Json& value = type.flat ? canonical : canonical.at(attr.name);
+    if (attr.isEntityValued() && value.is_string()) {
+      const JsonPointer target = attr.referencePath(path, value.get<std::string>());
+      if (!document.contains(target)) {
+        throw SchemaError{attrPath, attr.referenceNoun + " \"" + value.get<std::string>() +
+                                        "\" does not exist (no " + target.to_string() + ")"};
+      }
+    }
+    if (attr.kind == Attr::Kind::entities && attr.member->holdsReferences) {
+      for (const auto& [key, member] : value.items()) {
+        checkEntityReferences(document, *attr.member, member, attrPath / key);
+      }
+    }
+  }
+}
+
+}  // namespace
+
+void checkReferences(const Json& document) {
+  for (const auto& root : stateSchema().roots) {
+    if (root.type->holdsReferences) {
+      const JsonPointer path = JsonPointer("/" + root.name);
+      checkEntityReferences(document, *root.type, document.at(path), path);
+    }
+  }
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,43 @@
+// StateTarget: where in the switch state document a change line points,
+// resolved against the schema.
+//
+// A target is a root entity, an attribute of an entity, or a member of a
+// collection attribute. Resolving canonicalises every key on the way
+// ("/qosStatus/pmapType/1" -> "/qosStatus/pmapType/mapQos") and checks that
+// every entity above the target exists in the document; the target itself
+// may be absent (a set adds it).
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/state/StateSchema.h"
+
+namespace QosSnmpHost {
+
+struct StateTarget {
+  // The target's canonical pointer.
+  JsonPointer path;
+  // The entity that holds the attribute: its type, pointer, own key and its
+  // holder's key (the context of defaults). For a root target, the root.
+  const EntityType* holderType = nullptr;
+  JsonPointer holderPath;
+  std::string holderKey;
+  std::string holderOwnerKey;
+  // The attribute; null for a root target.
+  const Attr* attr = nullptr;
+  JsonPointer attrPath;
+  // The member's canonical key, for a member target.
+  std::optional<std::string> key;
+
+  bool isRoot() const { return attr == nullptr; }
+  bool isMember() const { return key.has_value(); }
+
+  // Resolves `path` (JSON Pointer text, or an array of unescaped segments)
+  // in the canonical `document`. Throws SchemaError for a path that names
+  // nothing the schema has or goes through an absent entity, and
+  // std::invalid_argument (with the message) for a malformed path.
+  static StateTarget resolve(const Json& path, const Json& document);
+};
+
+}  // namespace QosSnmpHost

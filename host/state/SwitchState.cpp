@@ -1,0 +1,375 @@
+#include "host/state/SwitchState.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "host/state/EntityStore.h"
+#include "host/state/JsonLineIndex.h"
+#include "host/state/StateCodec.h"
+#include "host/state/StateSchema.h"
+#include "host/state/StateTarget.h"
+
+namespace QosSnmpHost {
+namespace {
+
+// A line-level error: not about one value of the document.
+using LineError = std::invalid_argument;
+
+// nlohmann's parse error text without its "[json.exception...] parse error
+// at line L, column C: " prefix.
+std::string parseErrorText(const nlohmann::json::parse_error& error) {
+  const std::string text = error.what();
+  const auto column = text.find("column ");
+  const auto colon = column == std::string::npos ? std::string::npos : text.find(": ", column);
+  return "invalid JSON: " + (colon == std::string::npos ? text : text.substr(colon + 2));
+}
+
+int lineAt(std::string_view text, std::size_t byte) {
+  const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
+  return 1 +
+         static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
+}
+
+// The first segment of a canonical pointer: the root it lies under.
+std::string rootNameOf(const JsonPointer& path) {
+  const std::string text = path.to_string();
+  return text.substr(1, text.find('/', 1) - 1);
+}
+
+const Json& field(const Json& line, const char* name) {
+  const auto it = line.find(name);
+  if (it == line.end()) {
+    throw LineError(std::string("a change needs \"") + name + "\"");
+  }
+  return *it;
+}
+
+void checkFields(const Json& line, std::initializer_list<const char*> allowed) {
+  for (const auto& [key, value] : line.items()) {
+    const std::string& given = key;
+    if (std::none_of(allowed.begin(), allowed.end(), [&given](const char* name) { return given == name; })) {
+      std::string list;
+      for (const char* name : allowed) {
+        list += (list.empty() ? "\"" : ", \"") + std::string(name) + '"';
+      }
+      std::string message = "unknown key \"" + given;
+      message += "\" in a " + line.at("op").get<std::string>();
+      message += " change (expected " + list + ")";
+      throw LineError(message);
+    }
+  }
+}
+
+}  // namespace
+
+std::string LoadError::text() const {
+  std::string out = file;
+  if (line > 0) {
+    out += ':' + std::to_string(line);
+  }
+  out += ": ";
+  if (path) {
+    out += (path->empty() ? std::string("(document)") : *path) + ": ";
+  }
+  return out + message;
+}
+
+class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json moves do not throw
+ public:
+  Json document_;
+  EntityStore store_;
+  std::vector<Kel::Ptr<Kel::Entity>> roots_;
+  StateGuard* guard_ = nullptr;
+  std::string file_;
+
+  Change applyChange(const Json& line);
+  Change applyEdit(const std::string& op, const Json& line);
+  std::optional<Json> afterOf(const StateTarget& target, const Json* value) const;
+  std::optional<Json> swapIn(const StateTarget& target, std::optional<Json> value);
+  void notifyEnclosingMembers(const JsonPointer& entityPath);
+  void applyToEntities(const StateTarget& target, const std::optional<Json>& before);
+
+  template <typename T>
+  Kel::Ptr<const T> root(std::size_t index) const {
+    return Kel::ptrCast<const T>(roots_[index]);
+  }
+};
+
+SwitchState::SwitchState(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+SwitchState::SwitchState(SwitchState&&) noexcept = default;
+SwitchState& SwitchState::operator=(SwitchState&&) noexcept = default;
+SwitchState::~SwitchState() = default;
+
+Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std::string& file) {
+  const StateSchema& schema = stateSchema();
+  auto impl = std::make_unique<Impl>();
+  impl->file_ = file;
+  try {
+    if (!document.is_object()) {
+      throw SchemaError{JsonPointer(), "expected an object with the roots " + schema.rootList() + ", got " +
+                                           detail::shown(document)};
+    }
+    for (const auto& [name, value] : document.items()) {
+      if (schema.root(name) == nullptr) {
+        throw SchemaError{JsonPointer() / name,
+                          "unknown root \"" + name + "\" (expected " + schema.rootList() + ")"};
+      }
+    }
+    impl->document_ = Json::object();
+    for (const auto& root : schema.roots) {
+      const auto given = document.find(root.name);
+      impl->document_[root.name] = canonicalEntity(
+          *root.type, given == document.end() ? Json::object() : *given, JsonPointer() / root.name, "", "");
+    }
+    checkReferences(impl->document_);
+  } catch (const SchemaError& error) {
+    return LoadError{file, 0, error.path.to_string(), error.message};
+  }
+  for (const auto& root : schema.roots) {
+    impl->roots_.push_back(impl->store_.buildRoot(*root.type, root.name, impl->document_.at(root.name)));
+  }
+  return SwitchState(std::move(impl));
+}
+
+Result<SwitchState> SwitchState::loadText(std::string_view text, const std::string& file) {
+  Json document;
+  try {
+    document = Json::parse(text);
+  } catch (const nlohmann::json::parse_error& error) {
+    return LoadError{file, lineAt(text, error.byte), std::nullopt, parseErrorText(error)};
+  }
+  auto loaded = load(document, file);
+  if (!loaded && loaded.error().path) {
+    LoadError error = loaded.error();
+    error.line = JsonLineIndex(text).lineOf(JsonPointer(*error.path));
+    return error;
+  }
+  return loaded;
+}
+
+Result<SwitchState> SwitchState::loadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) {
+    return LoadError{path, 0, std::nullopt, std::string("cannot read the file: ") + std::strerror(errno)};
+  }
+  std::ostringstream text;
+  text << in.rdbuf();
+  return loadText(text.str(), path);
+}
+
+void SwitchState::guardIs(StateGuard* guard) { impl_->guard_ = guard; }
+
+std::optional<LoadError> SwitchState::checkBuild() const {
+  if (impl_->guard_ == nullptr) {
+    return std::nullopt;
+  }
+  const StateTransition transition{StateTransition::Kind::build, JsonPointer(), impl_->document_, nullptr};
+  if (auto refusal = impl_->guard_->refusal(transition)) {
+    return LoadError{impl_->file_, 0, std::nullopt, "refused: " + *refusal};
+  }
+  return std::nullopt;
+}
+
+void SwitchState::buildApplied() const {
+  if (impl_->guard_ != nullptr) {
+    impl_->guard_->applied(
+        StateTransition{StateTransition::Kind::build, JsonPointer(), impl_->document_, nullptr});
+  }
+}
+
+Result<Change> SwitchState::apply(std::string_view line, const Source& where) {
+  const auto first = line.find_first_not_of(" \t\r\n");
+  if (first == std::string_view::npos || line[first] == '#') {
+    return Change{};
+  }
+  Json parsed;
+  try {
+    parsed = Json::parse(line);
+  } catch (const nlohmann::json::parse_error& error) {
+    return LoadError{where.file, where.line, std::nullopt, parseErrorText(error)};
+  }
+  try {
+    return impl_->applyChange(parsed);
+  } catch (const LineError& error) {
+    return LoadError{where.file, where.line, std::nullopt, error.what()};
+  } catch (const SchemaError& error) {
+    return LoadError{where.file, where.line, error.path.to_string(), error.message};
+  }
+}
+
+Change SwitchState::Impl::applyChange(const Json& line) {
+  if (!line.is_object()) {
+    throw LineError("a change is an object with \"op\", got " + detail::shown(line));
+  }
+  const Json& op = field(line, "op");
+  if (op == "advance") {
+    checkFields(line, {"op", "seconds"});
+    const Json& seconds = field(line, "seconds");
+    if (!seconds.is_number() || !std::isfinite(seconds.get<double>()) || seconds.get<double>() < 0.0) {
+      throw LineError("\"seconds\": expected a number of seconds >= 0, got " + detail::shown(seconds));
+    }
+    Change change;
+    change.op = Change::Op::advance;
+    change.seconds = seconds.get<double>();
+    return change;
+  }
+  if (op == "set") {
+    checkFields(line, {"op", "path", "value"});
+    field(line, "value");
+    return applyEdit("set", line);
+  }
+  if (op == "delete") {
+    checkFields(line, {"op", "path"});
+    return applyEdit("delete", line);
+  }
+  throw LineError(R"("op": expected "set", "delete" or "advance", got )" + detail::shown(op));
+}
+
+// The canonical value the target will have; nullopt when a member goes.
+std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const Json* value) const {
+  const Attr* attr = target.attr;
+  if (value != nullptr) {
+    if (target.isRoot()) {
+      return canonicalEntity(*target.holderType, *value, target.path, "", "");
+    }
+    if (target.isMember()) {
+      return canonicalMember(*attr, *value, target.path, *target.key, target.holderKey);
+    }
+    return canonicalAttr(*attr, *value, target.path, target.holderKey, target.holderOwnerKey);
+  }
+  if (target.isRoot()) {
+    throw SchemaError{target.path, "a root cannot be deleted (set it to {} to empty it)"};
+  }
+  if (target.isMember()) {
+    if (!document_.at(target.attrPath).contains(*target.key)) {
+      throw SchemaError{target.path, "nothing to delete: no such member"};
+    }
+    return std::nullopt;
+  }
+  return defaultOf(*attr, target.holderOwnerKey);
+}
+
+std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, std::optional<Json> value) {
+  std::optional<Json> old;
+  if (target.isMember()) {
+    Json& members = document_.at(target.attrPath);
+    if (const auto it = members.find(*target.key); it != members.end()) {
+      old = std::move(*it);
+      members.erase(it);
+    }
+    if (value) {
+      members[*target.key] = std::move(*value);
+    }
+  } else {
+    Json& slot = document_.at(target.path);
+    old = std::move(slot);
+    slot = std::move(*value);
+  }
+  return old;
+}
+
+void SwitchState::Impl::applyToEntities(const StateTarget& target, const std::optional<Json>& before) {
+  const Json* now = document_.contains(target.path) ? &document_.at(target.path) : nullptr;
+  if (target.isRoot()) {
+    store_.update(*store_.at(target.path), *target.holderType, *before, *now, target.path);
+    return;
+  }
+  Kel::Entity& holder = *store_.at(target.holderPath);
+  if (!target.isMember()) {
+    store_.updateAttr(holder, *target.attr, *before, *now, target.holderPath, target.attrPath);
+    notifyEnclosingMembers(target.holderPath);
+  } else if (now != nullptr) {
+    store_.setMember(holder, *target.attr, *target.key, before ? &*before : nullptr, *now, target.path);
+  } else {
+    store_.deleteMember(holder, *target.attr, *target.key, *before, target.path);
+  }
+}
+
+void SwitchState::Impl::notifyEnclosingMembers(const JsonPointer& entityPath) {
+  // The nearest collection member the changed entity is, or is inside, is
+  // reported changed when its collection reports members changed in place.
+  for (JsonPointer path = entityPath; !path.parent_pointer().empty(); path = path.parent_pointer()) {
+    const StateTarget enclosing = StateTarget::resolve(Json(path.to_string()), document_);
+    if (enclosing.isMember()) {
+      if (enclosing.attr->memberChanged != nullptr) {
+        enclosing.attr->memberChanged(*store_.at(enclosing.holderPath), *enclosing.key);
+      }
+      return;
+    }
+  }
+}
+
+Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
+  const StateTarget target = StateTarget::resolve(field(line, "path"), document_);
+  const bool set = op == "set";
+  std::optional<Json> after = afterOf(target, set ? &line.at("value") : nullptr);
+
+  // The mirror first, so that references and the guard see the document as
+  // it will be; undone when either refuses.
+  std::optional<Json> before = swapIn(target, std::move(after));
+  const StateTransition transition{set ? StateTransition::Kind::set : StateTransition::Kind::del, target.path,
+                                   document_, before ? &*before : nullptr};
+  try {
+    if (stateSchema().root(rootNameOf(target.path))->type->holdsReferences) {
+      checkReferences(document_);
+    }
+    if (guard_ != nullptr) {
+      if (auto refusal = guard_->refusal(transition)) {
+        throw SchemaError{target.path, "refused: " + *refusal};
+      }
+    }
+  } catch (const SchemaError&) {
+    swapIn(target, std::move(before));
+    throw;
+  }
+  applyToEntities(target, before);
+  if (guard_ != nullptr) {
+    guard_->applied(transition);
+  }
+  Change change;
+  change.op = set ? Change::Op::set : Change::Op::del;
+  change.path = target.path.to_string();
+  return change;
+}
+
+const nlohmann::json& SwitchState::document() const { return impl_->document_; }
+
+std::string SwitchState::pathOf(const Kel::Entity* entity) const {
+  const std::string* path = impl_->store_.pathOf(entity);
+  return path == nullptr ? "(deleted)" : *path;
+}
+
+Kel::Ptr<const Kel::Entity> SwitchState::entityAt(const std::string& path) const {
+  try {
+    return impl_->store_.at(JsonPointer(path));
+  } catch (const nlohmann::json::exception&) {
+    return nullptr;
+  }
+}
+
+std::vector<std::string> SwitchState::entityPaths() const { return impl_->store_.paths(); }
+
+Kel::Ptr<const Qos::Config> SwitchState::qosConfig() const { return impl_->root<Qos::Config>(0); }
+Kel::Ptr<const Qos::Status> SwitchState::qosStatus() const { return impl_->root<Qos::Status>(1); }
+Kel::Ptr<const Qos::HwStatus> SwitchState::hwStatus() const { return impl_->root<Qos::HwStatus>(2); }
+Kel::Ptr<const Kel::Dir> SwitchState::sliceHwStatusDir() const { return impl_->root<Kel::Dir>(3); }
+Kel::Ptr<const Kel::Dir> SwitchState::aclSliceHwStatusDir() const { return impl_->root<Kel::Dir>(4); }
+Kel::Ptr<const QosSnmp::QosMibConfig> SwitchState::mibConfig() const {
+  return impl_->root<QosSnmp::QosMibConfig>(5);
+}
+Kel::Ptr<const Interface::AllIntfStatusDir> SwitchState::allIntfStatusDir() const {
+  return impl_->root<Interface::AllIntfStatusDir>(6);
+}
+Kel::Ptr<const Qos::HwCounter> SwitchState::hwCounter() const { return impl_->root<Qos::HwCounter>(7); }
+Kel::Ptr<const Qos::EcnCounterTable> SwitchState::ecnCounterTable() const {
+  return impl_->root<Qos::EcnCounterTable>(8);
+}
+
+}  // namespace QosSnmpHost
