@@ -1,0 +1,671 @@
+#include "host/snmp/MibView.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <ostream>
+#include <sstream>
+#include <utility>
+
+#include "QosSnmp/core/QosMib.h"
+#include "QosSnmp/core/UniqueId.h"
+#include "host/snmp/MibIndexCodec.h"
+
+namespace QosSnmpHost {
+
+SnmpValue SnmpValue::integer32Is(std::int32_t value) {
+  SnmpValue v;
+  v.type = Type::integer32;
+  v.integer = value;
+  return v;
+}
+
+SnmpValue SnmpValue::unsigned32Is(std::uint32_t value) {
+  SnmpValue v;
+  v.type = Type::unsigned32;
+  v.number = value;
+  return v;
+}
+
+SnmpValue SnmpValue::counter64Is(std::uint64_t value) {
+  SnmpValue v;
+  v.type = Type::counter64;
+  v.number = value;
+  return v;
+}
+
+SnmpValue SnmpValue::octetStringIs(std::string value) {
+  SnmpValue v;
+  v.type = Type::octetString;
+  v.octets = std::move(value);
+  return v;
+}
+
+std::ostream& operator<<(std::ostream& out, const SnmpValue& value) {
+  switch (value.type) {
+    case SnmpValue::Type::integer32:
+      return out << value.integer;
+    case SnmpValue::Type::unsigned32:
+    case SnmpValue::Type::counter64:
+      return out << value.number;
+    case SnmpValue::Type::octetString:
+      break;
+  }
+  out << '"';
+  for (const char c : value.octets) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      out << '\\' << c;
+    } else if (byte < 0x20 || byte >= 0x7F) {
+      char hex[5];
+      std::snprintf(hex, sizeof hex, "\\x%02x", byte);
+      out << hex;
+    } else {
+      out << c;
+    }
+  }
+  return out << '"';
+}
+
+namespace {
+
+using QosSnmp::QosMib;
+using Type = SnmpValue::Type;
+
+constexpr std::array<std::uint32_t, 8> kModuleOid = {1, 3, 6, 1, 4, 1, 32473, 1};
+constexpr std::array<std::uint32_t, 9> kObjectsOid = {1, 3, 6, 1, 4, 1, 32473, 1, 1};
+// Under a table: <table>.1 is the entry, <table>.1.<column> a column.
+constexpr std::uint32_t kEntrySubId = 1;
+
+// Renderers of the values read from the entities a row references. A null
+// entity reads as 0 or as the empty string.
+template <typename E>
+SnmpValue enumValue(E value) {
+  return SnmpValue::integer32Is(static_cast<std::int32_t>(value));
+}
+SnmpValue counter(std::uint64_t value) { return SnmpValue::counter64Is(value); }
+SnmpValue gauge64(std::uint64_t value) { return SnmpValue::counter64Is(value); }
+SnmpValue unsigned32(std::uint64_t value) {
+  return SnmpValue::unsigned32Is(static_cast<std::uint32_t>(value));
+}
+SnmpValue text(std::string_view value) { return SnmpValue::octetStringIs(std::string(value)); }
+// TruthValue: true(1), false(2).
+SnmpValue truth(bool value) { return SnmpValue::integer32Is(value ? 1 : 2); }
+
+template <typename P, typename F>
+auto readOr(const P& entity, F&& read) -> decltype(read(*entity)) {
+  using R = decltype(read(*entity));
+  return entity ? read(*entity) : R{};
+}
+
+// One table per struct: its rows in the MIB model, its columns as QOS-SNMP-MIB
+// declares them (index columns first, not accessible), and read(), the value
+// of an accessible column of one row.
+
+struct ClassMapTable {
+  using Index = QosSnmp::ClassMapTableIndex;
+  using Row = QosSnmp::ClassMapTableRow;
+  static constexpr std::string_view kName = "qosClassMapTable";
+  static constexpr std::string_view kEntryName = "qosClassMapEntry";
+  static constexpr std::uint32_t kSubId = 1;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosClassMapName", 1, Type::octetString, false},
+      {"qosClassMapType", 2, Type::integer32, false},
+      {"qosClassMapCpType", 3, Type::integer32, true},
+      {"qosClassMapCpStaticType", 4, Type::integer32, true},
+      {"qosClassMapMatchCondition", 5, Type::integer32, true},
+      {"qosClassMapMatchRules", 6, Type::unsigned32, true},
+  };
+  static const QosMib::ClassMapTableRows& rows(const QosMib& mib) { return mib.classMapTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& cmap = row.classMapStatus;
+    switch (column) {
+      case 3:
+        return enumValue(readOr(cmap, [](const auto& c) { return c.cpType(); }));
+      case 4:
+        return enumValue(readOr(cmap, [](const auto& c) { return c.cpStaticType(); }));
+      case 5:
+        return enumValue(readOr(cmap, [](const auto& c) { return c.matchCondition(); }));
+      default:
+        return unsigned32(readOr(cmap, [](const auto& c) { return c.match().size(); }));
+    }
+  }
+};
+
+struct ClassMapMatchTable {
+  using Index = QosSnmp::ClassMapMatchTableIndex;
+  using Row = QosSnmp::ClassMapMatchTableRow;
+  static constexpr std::string_view kName = "qosClassMapMatchTable";
+  static constexpr std::string_view kEntryName = "qosClassMapMatchEntry";
+  static constexpr std::uint32_t kSubId = 2;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosClassMapMatchCmapName", 1, Type::octetString, false},
+      {"qosClassMapMatchCmapType", 2, Type::integer32, false},
+      {"qosClassMapMatchIndex", 3, Type::unsigned32, false},
+      {"qosClassMapMatchOption", 4, Type::integer32, true},
+      {"qosClassMapMatchValue", 5, Type::octetString, true},
+  };
+  static const QosMib::ClassMapMatchTableRows& rows(const QosMib& mib) { return mib.classMapMatchTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& match = row.classMapMatch;
+    switch (column) {
+      case 4:
+        return enumValue(readOr(match, [](const auto& m) { return m.option(); }));
+      default:
+        return text(readOr(match, [](const auto& m) { return m.value().view(); }));
+    }
+  }
+};
+
+struct PolicyMapTable {
+  using Index = QosSnmp::PolicyMapTableIndex;
+  using Row = QosSnmp::PolicyMapTableRow;
+  static constexpr std::string_view kName = "qosPolicyMapTable";
+  static constexpr std::string_view kEntryName = "qosPolicyMapEntry";
+  static constexpr std::uint32_t kSubId = 3;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosPolicyMapName", 1, Type::octetString, false},
+      {"qosPolicyMapType", 2, Type::integer32, false},
+      {"qosPolicyMapClasses", 3, Type::unsigned32, true},
+      {"qosPolicyMapDefaultClass", 4, Type::octetString, true},
+  };
+  static const QosMib::PolicyMapTableRows& rows(const QosMib& mib) { return mib.policyMapTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& pmap = row.policyMapStatus;
+    switch (column) {
+      case 3:
+        return unsigned32(readOr(pmap, [](const auto& p) { return p.classPrio().size(); }));
+      default:
+        return text(readOr(pmap, [](const auto& p) {
+          const auto classDefault = p.classDefault();
+          return classDefault ? QosSnmp::uniqueId(classDefault->name()).stringValue() : std::string();
+        }));
+    }
+  }
+};
+
+struct PolicyMapClassTable {
+  using Index = QosSnmp::PolicyMapClassTableIndex;
+  using Row = QosSnmp::PolicyMapClassTableRow;
+  static constexpr std::string_view kName = "qosPolicyMapClassTable";
+  static constexpr std::string_view kEntryName = "qosPolicyMapClassEntry";
+  static constexpr std::uint32_t kSubId = 4;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosPolicyMapClassPmapName", 1, Type::octetString, false},
+      {"qosPolicyMapClassPmapType", 2, Type::integer32, false},
+      {"qosPolicyMapClassPrio", 3, Type::unsigned32, false},
+      {"qosPolicyMapClassCmapName", 4, Type::octetString, true},
+  };
+  static const QosMib::PolicyMapClassTableRows& rows(const QosMib& mib) { return mib.policyMapClassTable(); }
+  static SnmpValue read(std::uint32_t, const Index&, const Row& row, const QosMib&) {
+    return text(row.cmapName.view());
+  }
+};
+
+struct PolicyMapActionTable {
+  using Index = QosSnmp::PolicyMapActionTableIndex;
+  using Row = QosSnmp::PolicyMapActionTableRow;
+  static constexpr std::string_view kName = "qosPolicyMapActionTable";
+  static constexpr std::string_view kEntryName = "qosPolicyMapActionEntry";
+  static constexpr std::uint32_t kSubId = 5;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosPolicyMapActionPmapName", 1, Type::octetString, false},
+      {"qosPolicyMapActionPmapType", 2, Type::integer32, false},
+      {"qosPolicyMapActionCmapName", 3, Type::octetString, false},
+      {"qosPolicyMapActionType", 4, Type::integer32, false},
+      {"qosPolicyMapActionValue", 5, Type::unsigned32, true},
+      {"qosPolicyMapActionRate", 6, Type::counter64, true},
+      {"qosPolicyMapActionRateUnit", 7, Type::integer32, true},
+      {"qosPolicyMapActionBurstSize", 8, Type::counter64, true},
+      {"qosPolicyMapActionPeakRate", 9, Type::counter64, true},
+      {"qosPolicyMapActionPeakBurstSize", 10, Type::counter64, true},
+      {"qosPolicyMapActionHwStatus", 11, Type::integer32, true},
+      {"qosPolicyMapActionHwShapeRate", 12, Type::counter64, true},
+      {"qosPolicyMapActionHwBandwidth", 13, Type::counter64, true},
+  };
+  static const QosMib::PolicyMapActionTableRows& rows(const QosMib& mib) {
+    return mib.policyMapActionTable();
+  }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& action = row.action;
+    const auto& hw = row.classMapHwStatus;
+    switch (column) {
+      case 5:
+        return unsigned32(readOr(action, [](const auto& a) { return a.value(); }));
+      case 6:
+        return gauge64(readOr(action, [](const auto& a) { return a.rate(); }));
+      case 7:
+        return enumValue(readOr(action, [](const auto& a) { return a.rateUnit(); }));
+      case 8:
+        return gauge64(readOr(action, [](const auto& a) { return a.burstSize(); }));
+      case 9:
+        return gauge64(readOr(action, [](const auto& a) { return a.peakRate(); }));
+      case 10:
+        return gauge64(readOr(action, [](const auto& a) { return a.peakBurstSize(); }));
+      case 11:
+        return enumValue(readOr(hw, [](const auto& h) { return h.programmingStatus(); }));
+      case 12:
+        return gauge64(readOr(hw, [](const auto& h) { return h.shapeRate(); }));
+      default:
+        return gauge64(readOr(hw, [](const auto& h) { return h.bandwidth(); }));
+    }
+  }
+};
+
+struct QosStatsTable {
+  using Index = QosSnmp::QosStatsTableIndex;
+  using Row = QosSnmp::QosStatsTableRow;
+  static constexpr std::string_view kName = "qosStatsTable";
+  static constexpr std::string_view kEntryName = "qosStatsEntry";
+  static constexpr std::uint32_t kSubId = 6;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosStatsPmapName", 1, Type::octetString, false},
+      {"qosStatsPmapType", 2, Type::integer32, false},
+      {"qosStatsCmapName", 3, Type::octetString, false},
+      {"qosStatsQualifier", 4, Type::integer32, false},
+      {"qosStatsPackets", 5, Type::counter64, true},
+      {"qosStatsBytes", 6, Type::counter64, true},
+      {"qosStatsDroppedPackets", 7, Type::counter64, true},
+      {"qosStatsDroppedBytes", 8, Type::counter64, true},
+      {"qosStatsHwStatus", 9, Type::integer32, true},
+  };
+  static const QosMib::QosStatsTableRows& rows(const QosMib& mib) { return mib.qosStatsTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& c = row.counter;
+    switch (column) {
+      case 5:
+        return counter(readOr(c, [](const auto& k) { return k.packets(); }));
+      case 6:
+        return counter(readOr(c, [](const auto& k) { return k.bytes(); }));
+      case 7:
+        return counter(readOr(c, [](const auto& k) { return k.droppedPackets(); }));
+      case 8:
+        return counter(readOr(c, [](const auto& k) { return k.droppedBytes(); }));
+      default:
+        return enumValue(readOr(row.classMapHwStatus, [](const auto& h) { return h.programmingStatus(); }));
+    }
+  }
+};
+
+struct QosPolicerStatsTable {
+  using Index = QosSnmp::QosPolicerStatsTableIndex;
+  using Row = QosSnmp::QosPolicerStatsTableRow;
+  static constexpr std::string_view kName = "qosPolicerStatsTable";
+  static constexpr std::string_view kEntryName = "qosPolicerStatsEntry";
+  static constexpr std::uint32_t kSubId = 7;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosPolicerStatsPmapName", 1, Type::octetString, false},
+      {"qosPolicerStatsPmapType", 2, Type::integer32, false},
+      {"qosPolicerStatsCmapName", 3, Type::octetString, false},
+      {"qosPolicerStatsIfIndex", 4, Type::integer32, false},
+      {"qosPolicerStatsConformedPackets", 5, Type::counter64, true},
+      {"qosPolicerStatsConformedBytes", 6, Type::counter64, true},
+      {"qosPolicerStatsExceededPackets", 7, Type::counter64, true},
+      {"qosPolicerStatsExceededBytes", 8, Type::counter64, true},
+      {"qosPolicerStatsViolatedPackets", 9, Type::counter64, true},
+      {"qosPolicerStatsViolatedBytes", 10, Type::counter64, true},
+  };
+  static const QosMib::QosPolicerStatsTableRows& rows(const QosMib& mib) {
+    return mib.qosPolicerStatsTable();
+  }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& p = row.policerHwStatus;
+    switch (column) {
+      case 5:
+        return counter(readOr(p, [](const auto& s) { return s.conformedPackets(); }));
+      case 6:
+        return counter(readOr(p, [](const auto& s) { return s.conformedBytes(); }));
+      case 7:
+        return counter(readOr(p, [](const auto& s) { return s.exceededPackets(); }));
+      case 8:
+        return counter(readOr(p, [](const auto& s) { return s.exceededBytes(); }));
+      case 9:
+        return counter(readOr(p, [](const auto& s) { return s.violatedPackets(); }));
+      default:
+        return counter(readOr(p, [](const auto& s) { return s.violatedBytes(); }));
+    }
+  }
+};
+
+struct ServicePolicyTable {
+  using Index = QosSnmp::ServicePolicyTableIndex;
+  using Row = QosSnmp::ServicePolicyTableRow;
+  static constexpr std::string_view kName = "qosServicePolicyTable";
+  static constexpr std::string_view kEntryName = "qosServicePolicyEntry";
+  static constexpr std::uint32_t kSubId = 8;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosServicePolicyIfIndex", 1, Type::integer32, false},
+      {"qosServicePolicyDirection", 2, Type::integer32, false},
+      {"qosServicePolicyPmapName", 3, Type::octetString, true},
+      {"qosServicePolicyPmapType", 4, Type::integer32, true},
+  };
+  static const QosMib::ServicePolicyTableRows& rows(const QosMib& mib) { return mib.servicePolicyTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    switch (column) {
+      case 3:
+        return text(row.pmapName.view());
+      default:
+        return enumValue(row.servicePolicyKey.type());
+    }
+  }
+};
+
+struct EcnCounterTable {
+  using Index = Snmp::String;
+  using Row = QosSnmp::EcnCounterTableRow;
+  static constexpr std::string_view kName = "qosEcnCounterTable";
+  static constexpr std::string_view kEntryName = "qosEcnCounterEntry";
+  static constexpr std::uint32_t kSubId = 9;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosEcnCounterChipName", 1, Type::octetString, false},
+      {"qosEcnCounterMarkedPackets", 2, Type::counter64, true},
+      {"qosEcnCounterMarkedBytes", 3, Type::counter64, true},
+      {"qosEcnCounterDroppedPackets", 4, Type::counter64, true},
+  };
+  static const QosMib::EcnCounterTableRows& rows(const QosMib& mib) { return mib.ecnCounterTable(); }
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+    const auto& chip = row.chipCounter;
+    switch (column) {
+      case 2:
+        return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedPackets(); }));
+      case 3:
+        return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedBytes(); }));
+      default:
+        return counter(readOr(chip, [](const auto& c) { return c.ecnDroppedPackets(); }));
+    }
+  }
+};
+
+struct EcnQueueCounterTable {
+  using Index = QosSnmp::EcnQueueCounterTableIndex;
+  using Row = QosSnmp::EcnQueueCounterTableRow;
+  static constexpr std::string_view kName = "qosEcnQueueCounterTable";
+  static constexpr std::string_view kEntryName = "qosEcnQueueCounterEntry";
+  static constexpr std::uint32_t kSubId = 10;
+  static constexpr MibColumnInfo kColumns[] = {
+      {"qosEcnQueueCounterIfIndex", 1, Type::integer32, false},
+      {"qosEcnQueueCounterQueue", 2, Type::unsigned32, false},
+      {"qosEcnQueueCounterIntfName", 3, Type::octetString, true},
+      {"qosEcnQueueCounterMarkedPackets", 4, Type::counter64, true},
+      {"qosEcnQueueCounterMarkedBytes", 5, Type::counter64, true},
+      {"qosEcnQueueCounterHwStatus", 6, Type::integer32, true},
+      {"qosEcnQueueCounterEnabled", 7, Type::integer32, true},
+  };
+  static const QosMib::EcnQueueCounterTableRows& rows(const QosMib& mib) {
+    return mib.ecnQueueCounterTable();
+  }
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, const QosMib&) {
+    const auto queueCounter =
+        row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    switch (column) {
+      case 3:
+        return text(row.intfId.stringValue());
+      case 4:
+        return counter(
+            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
+      case 5:
+        return counter(
+            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
+      case 6: {
+        const auto intfStatus =
+            row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
+        return enumValue(readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
+      }
+      default:
+        return truth(row.ecnQueueCountersFlag);
+    }
+  }
+};
+
+// One instance found by a walk: the sub-identifiers after the column, and
+// the value.
+struct Instance {
+  Oid suffix;
+  SnmpValue value;
+};
+
+// The operations of one table, written once for every table.
+template <typename Table>
+struct TableOps {
+  using Codec = MibIndexCodec<typename Table::Index>;
+
+  static std::optional<SnmpValue> get(const QosMib& mib, std::uint32_t column, OidSpan suffix) {
+    const auto index = Codec::decode(suffix);
+    if (!index) {
+      return std::nullopt;
+    }
+    const auto* row = Table::rows(mib).find(*index);
+    if (row == nullptr) {
+      return std::nullopt;
+    }
+    return Table::read(column, *index, *row, mib);
+  }
+
+  // The first row whose suffix is strictly greater than `after`, or the
+  // first row of the column when `after` is absent.
+  static std::optional<Instance> next(const QosMib& mib, std::uint32_t column, std::optional<OidSpan> after) {
+    const auto& rows = Table::rows(mib);
+    auto it = rows.begin();
+    if (after) {
+      const auto seek = Codec::seek(*after);
+      if (!seek) {
+        return std::nullopt;
+      }
+      it = seek->bound == SeekBound::after ? rows.upperBound(seek->index) : rows.lowerBound(seek->index);
+    }
+    // Rows the MIB cannot name are not served.
+    while (it != rows.end() && !Codec::encodable(it->first)) {
+      ++it;
+    }
+    if (it == rows.end()) {
+      return std::nullopt;
+    }
+    Instance instance;
+    Codec::encode(it->first, instance.suffix);
+    instance.value = Table::read(column, it->first, it->second, mib);
+    return instance;
+  }
+};
+
+struct TableEntry {
+  MibTableInfo info;
+  std::optional<SnmpValue> (*get)(const QosMib&, std::uint32_t, OidSpan);
+  std::optional<Instance> (*next)(const QosMib&, std::uint32_t, std::optional<OidSpan>);
+};
+
+template <typename Table>
+constexpr TableEntry entryOf() {
+  return {{Table::kName, Table::kEntryName, Table::kSubId, Table::kColumns},
+          &TableOps<Table>::get,
+          &TableOps<Table>::next};
+}
+
+// In OID order; a table's position is its sub-identifier minus one.
+constexpr std::array<TableEntry, 10> kTables = {
+    entryOf<ClassMapTable>(),        entryOf<ClassMapMatchTable>(),   entryOf<PolicyMapTable>(),
+    entryOf<PolicyMapClassTable>(),  entryOf<PolicyMapActionTable>(), entryOf<QosStatsTable>(),
+    entryOf<QosPolicerStatsTable>(), entryOf<ServicePolicyTable>(),   entryOf<EcnCounterTable>(),
+    entryOf<EcnQueueCounterTable>(),
+};
+
+constexpr std::array<MibTableInfo, kTables.size()> tableInfos() {
+  std::array<MibTableInfo, kTables.size()> infos{};
+  for (std::size_t i = 0; i < kTables.size(); ++i) {
+    infos[i] = kTables[i].info;
+  }
+  return infos;
+}
+constexpr auto kTableInfos = tableInfos();
+
+consteval bool tablesAreNumberedInOrder() {
+  for (std::size_t i = 0; i < kTables.size(); ++i) {
+    if (kTables[i].info.subId != i + 1) {
+      return false;
+    }
+    const auto& columns = kTables[i].info.columns;
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+      if (columns[c].subId != c + 1) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+static_assert(tablesAreNumberedInOrder(), "tables and columns are numbered 1, 2, ... in order");
+
+const TableEntry* tableAt(std::uint32_t subId) {
+  return subId >= 1 && subId <= kTables.size() ? &kTables[subId - 1] : nullptr;
+}
+
+const MibColumnInfo* columnAt(const TableEntry& table, std::uint32_t subId) {
+  const auto& columns = table.info.columns;
+  return subId >= 1 && subId <= columns.size() ? &columns[subId - 1] : nullptr;
+}
+
+bool startsWith(OidSpan oid, OidSpan prefix) {
+  return oid.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), oid.begin());
+}
+
+VarBind valueAt(const TableEntry& table, const MibColumnInfo& column, const Oid& suffix, SnmpValue value) {
+  VarBind vb;
+  vb.oid.assign(kObjectsOid.begin(), kObjectsOid.end());
+  vb.oid.insert(vb.oid.end(), {table.info.subId, kEntrySubId, column.subId});
+  vb.oid.insert(vb.oid.end(), suffix.begin(), suffix.end());
+  vb.value = std::move(value);
+  return vb;
+}
+
+VarBind exception(OidSpan oid, SnmpException e) {
+  VarBind vb;
+  vb.oid.assign(oid.begin(), oid.end());
+  vb.exception = e;
+  return vb;
+}
+
+}  // namespace
+
+OidSpan MibView::moduleOid() noexcept { return kModuleOid; }
+
+OidSpan MibView::objectsOid() noexcept { return kObjectsOid; }
+
+std::span<const MibTableInfo> MibView::tables() noexcept { return kTableInfos; }
+
+VarBind MibView::get(OidSpan oid) const {
+  const std::size_t at = kObjectsOid.size();
+  if (!startsWith(oid, kObjectsOid) || oid.size() < at + 3 || oid[at + 1] != kEntrySubId) {
+    return exception(oid, SnmpException::noSuchObject);
+  }
+  const TableEntry* table = tableAt(oid[at]);
+  const MibColumnInfo* column = table ? columnAt(*table, oid[at + 2]) : nullptr;
+  if (column == nullptr || !column->accessible) {
+    return exception(oid, SnmpException::noSuchObject);
+  }
+  auto value = table->get(mib_, column->subId, oid.subspan(at + 3));
+  if (!value) {
+    return exception(oid, SnmpException::noSuchInstance);
+  }
+  VarBind vb;
+  vb.oid.assign(oid.begin(), oid.end());
+  vb.value = std::move(*value);
+  return vb;
+}
+
+VarBind MibView::next(OidSpan oid) const {
+  // Where the walk starts: the first table, column and row at or after
+  // which an instance may follow oid. `after` is the row suffix to pass in
+  // that column; absent, the column's first row is the answer.
+  std::uint32_t tableSubId = 1;
+  std::uint32_t columnSubId = 1;
+  std::optional<OidSpan> after;
+
+  const std::size_t at = kObjectsOid.size();
+  if (startsWith(oid, kObjectsOid)) {
+    if (oid.size() > at) {
+      tableSubId = oid[at];
+      if (tableSubId == 0) {
+        tableSubId = 1;
+      } else if (oid.size() > at + 1) {
+        const std::uint32_t entry = oid[at + 1];
+        if (entry > kEntrySubId) {
+          ++tableSubId;
+        } else if (entry == kEntrySubId && oid.size() > at + 2) {
+          columnSubId = oid[at + 2];
+          after = oid.subspan(at + 3);
+        }
+      }
+    }
+  } else if (!std::lexicographical_compare(oid.begin(), oid.end(), kObjectsOid.begin(), kObjectsOid.end())) {
+    // Past the module's objects.
+    return exception(oid, SnmpException::endOfMibView);
+  }
+
+  for (; tableSubId <= kTables.size(); ++tableSubId, columnSubId = 1, after.reset()) {
+    const TableEntry& table = kTables[tableSubId - 1];
+    for (const MibColumnInfo& column : table.info.columns) {
+      if (!column.accessible || column.subId < columnSubId) {
+        continue;
+      }
+      // Past the requested column, the walk restarts at each column's first row.
+      const std::optional<OidSpan> from = column.subId == columnSubId ? after : std::nullopt;
+      if (auto instance = table.next(mib_, column.subId, from)) {
+        return valueAt(table, column, instance->suffix, std::move(instance->value));
+      }
+    }
+  }
+  return exception(oid, SnmpException::endOfMibView);
+}
+
+std::string MibView::oidName(OidSpan oid) {
+  std::ostringstream out;
+  const std::size_t at = kObjectsOid.size();
+  std::size_t rest = 0;
+  const TableEntry* table = startsWith(oid, kObjectsOid) && oid.size() > at ? tableAt(oid[at]) : nullptr;
+  const MibColumnInfo* column = nullptr;
+  if (table != nullptr && oid.size() > at + 2 && oid[at + 1] == kEntrySubId) {
+    column = columnAt(*table, oid[at + 2]);
+  }
+  if (column != nullptr) {
+    out << column->name;
+    rest = at + 3;
+  } else if (table != nullptr && oid.size() > at + 1 && oid[at + 1] == kEntrySubId) {
+    out << table->info.entryName;
+    rest = at + 2;
+  } else if (table != nullptr) {
+    out << table->info.name;
+    rest = at + 1;
+  } else {
+    const char* separator = "";
+    for (const std::uint32_t subId : oid) {
+      out << separator << subId;
+      separator = ".";
+    }
+    return out.str();
+  }
+  for (std::size_t i = rest; i < oid.size(); ++i) {
+    out << '.' << oid[i];
+  }
+  return out.str();
+}
+
+std::string MibView::render(const VarBind& varBind) {
+  std::ostringstream out;
+  out << oidName(varBind.oid) << " = ";
+  switch (varBind.exception) {
+    case SnmpException::none:
+      out << varBind.value;
+      break;
+    case SnmpException::noSuchObject:
+      out << "noSuchObject";
+      break;
+    case SnmpException::noSuchInstance:
+      out << "noSuchInstance";
+      break;
+    case SnmpException::endOfMibView:
+      out << "endOfMibView";
+      break;
+  }
+  return out.str();
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,143 @@
+// QosSnmpHost::SnmpFrontEnd: serves a MibView over SNMP with net-snmp's
+// agent library, on the reactor thread, inside the one event loop.
+//
+// Two modes, chosen by the options:
+//
+//   embedded master agent   listens on `listen` (net-snmp transport syntax,
+//                           "udp:127.0.0.1:1161"), bound to that address
+//                           only. SNMPv1/v2c read access for `community`
+//                           from any source; optional SNMPv3 users
+//                           (authPriv only) from an SnmpUserFile.
+//   AgentX subagent         connects to the master at `agentxSocket`
+//                           ("/path", "unix:/path" or "tcp:127.0.0.1:705")
+//                           and registers the module subtree there. While
+//                           the master is away, it tries again every
+//                           `agentxPingIntervalSeconds`; once connected it
+//                           pings at that interval and re-registers by
+//                           itself after the master restarts.
+//
+// What it answers: one read-only registration of the module subtree
+// (MibView::moduleOid(), 1.3.6.1.4.1.32473.1). GET is MibView::get(), GETNEXT
+// MibView::next(); GETBULK reaches the handler as GETNEXT per repetition.
+// Every varbind of a request is answered in the one handler call. SET is
+// refused with notWritable: the access control lets SETs of the subtree
+// through to the handler (so managers learn that the objects are read-only
+// rather than that they lack rights), and the registration itself is
+// read-only. Nothing outside the subtree is registered.
+//
+// What it never touches: the system's SNMP configuration and state. No
+// configuration file is read (the access rules are handed to the library as
+// in-memory lines), nothing is loaded from or saved to a persistent
+// directory, no MIB module file is loaded, and no SMUX port is opened. The
+// library's configuration and persistent paths point at a private
+// directory under $TMPDIR (or /tmp), removed by stop(). Two things remain
+// of the system's: the agent library checks every request against the TCP
+// wrappers rules (/etc/hosts.allow, /etc/hosts.deny) under the application
+// name, and it logs to standard error.
+//
+// Process-wide effects: a subagent sets SIGPIPE to ignored when it is still
+// at its default (a master that goes away must not end the process).
+//
+// Event loop: the front end is a TurnHook of the ActivityManager. Each turn
+// it asks net-snmp for its current descriptors and next timeout (never
+// cached: a reconnect may reuse a descriptor number), and after the wait
+// reads what is ready, runs request timeouts, alarms (AgentX pings and
+// reconnects) and delayed requests. No thread, no signal-driven alarm.
+//
+// One per process, and at most one started at a time: net-snmp's agent
+// state is global. start() may follow stop() in the same process. Call
+// everything on the reactor thread; the view (and its model) and the loop
+// must outlive the started front end.
+//
+//   SnmpFrontEnd snmp(loop, view);
+//   SnmpFrontEndOptions options;
+//   options.listen = "udp:127.0.0.1:1161";
+//   snmp.start(options);        // throws std::runtime_error on bad options
+//   loop.run();
+//   snmp.stop();
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/snmp/MibView.h"
+#include "kel/ActivityManager.h"
+
+struct netsnmp_mib_handler_s;
+struct netsnmp_handler_registration_s;
+struct netsnmp_agent_request_info_s;
+struct netsnmp_request_info_s;
+
+namespace QosSnmpHost {
+
+class SnmpUserFile;
+
+struct SnmpFrontEndOptions {
+  // Embedded master agent: the address to listen on. Exactly one of listen
+  // and agentxSocket is set.
+  std::string listen;
+  // SNMPv1/v2c community with read access (printable, no blanks or quotes).
+  std::string community = "public";
+  // SNMPv3 users (SnmpUserFile format); empty: none.
+  std::string snmpv3UserFile;
+
+  // AgentX subagent: the master's AgentX socket.
+  std::string agentxSocket;
+  // Ping, and reconnect, interval in whole seconds (at least 1).
+  int agentxPingIntervalSeconds = 15;
+
+  // net-snmp's application name (log prefix, configuration type); empty:
+  // "qos-snmp-agent" for the master, "qos-snmp-agent-agentx" for the
+  // subagent.
+  std::string applicationName;
+};
+
+class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
+ public:
+  SnmpFrontEnd(Kel::ActivityManager& loop, const MibView& view);
+  ~SnmpFrontEnd() override;
+  SnmpFrontEnd(const SnmpFrontEnd&) = delete;
+  SnmpFrontEnd& operator=(const SnmpFrontEnd&) = delete;
+
+  // Checks the options (and reads the SNMPv3 user file) before touching
+  // net-snmp, then starts the agent and joins the loop. Throws
+  // std::runtime_error naming the problem: bad options, an unreadable or
+  // malformed user file, an address that cannot be listened on, another
+  // front end (this one included) already started. A subagent whose master
+  // is not there yet starts anyway and keeps trying.
+  void start(const SnmpFrontEndOptions& options);
+  // Unregisters, closes every SNMP session and leaves the loop. Harmless
+  // when not started.
+  void stop();
+  bool started() const { return started_; }
+
+  // Varbinds the handler answered (GET and GETNEXT) since the last start().
+  std::size_t varbindsAnswered() const { return varbindsAnswered_; }
+
+ private:
+  double beforeWait(std::vector<int>& fds) override;
+  void afterWait(const std::vector<int>& readyFds) override;
+
+  static int handle(netsnmp_mib_handler_s* handler, netsnmp_handler_registration_s* registration,
+                    netsnmp_agent_request_info_s* requestInfo, netsnmp_request_info_s* requests);
+  void answer(netsnmp_agent_request_info_s* requestInfo, netsnmp_request_info_s* requests);
+  void configureLibrary(const SnmpFrontEndOptions& options, const SnmpUserFile& users);
+  void startLibrary();
+  void registerSubtree();
+  void shutDownLibrary();
+  // Clears what net-snmp leaves behind after a shutdown, so that a later
+  // start() in either mode begins clean.
+  void forgetSubagentState(bool subagentConnected) const;
+
+  Kel::ActivityManager& loop_;
+  const MibView& view_;
+  bool started_ = false;
+  bool master_ = false;
+  std::string applicationName_;
+  std::string privateDir_;  // removed by stop()
+  netsnmp_handler_registration_s* registration_ = nullptr;
+  std::size_t varbindsAnswered_ = 0;
+  Oid requested_;  // scratch: the OID of the varbind being answered
+};
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,783 @@
+#include "host/snmp/MibView.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "QosSnmp/core/Action.h"
+#include "QosSnmp/core/ChipCounter.h"
+#include "QosSnmp/core/ClassAction.h"
+#include "QosSnmp/core/ClassMapHwStatus.h"
+#include "QosSnmp/core/ClassMapMatch.h"
+#include "QosSnmp/core/ClassMapStatus.h"
+#include "QosSnmp/core/ClassPriority.h"
+#include "QosSnmp/core/Counter.h"
+#include "QosSnmp/core/EcnCounterTable.h"
+#include "QosSnmp/core/EcnIntfCounterStatus.h"
+#include "QosSnmp/core/EcnIntfQueueCounter.h"
+#include "QosSnmp/core/HwStatus.h"
+#include "QosSnmp/core/PolicerHwStatus.h"
+#include "QosSnmp/core/PolicyMapStatus.h"
+#include "QosSnmp/core/QosMib.h"
+#include "QosSnmp/core/SliceHwStatus.h"
+#include "kel/Make.h"
+
+namespace QosSnmpHost {
+namespace {
+
+using QosSnmp::QosMib;
+
+constexpr std::uint32_t kClassMapTable = 1;
+constexpr std::uint32_t kClassMapMatchTable = 2;
+constexpr std::uint32_t kPolicyMapTable = 3;
+constexpr std::uint32_t kPolicyMapClassTable = 4;
+constexpr std::uint32_t kPolicyMapActionTable = 5;
+constexpr std::uint32_t kQosStatsTable = 6;
+constexpr std::uint32_t kQosPolicerStatsTable = 7;
+constexpr std::uint32_t kServicePolicyTable = 8;
+constexpr std::uint32_t kEcnCounterTable = 9;
+constexpr std::uint32_t kEcnQueueCounterTable = 10;
+
+const Oid kObjects = {1, 3, 6, 1, 4, 1, 32473, 1, 1};
+
+// The MIB's index encodings, restated independently of the view: a name
+// as its length and bytes, an integer as itself; nullopt when the value is
+// outside what the MIB declares.
+std::optional<Oid> name(std::string_view s) {
+  if (s.size() > 30) {
+    return std::nullopt;
+  }
+  Oid out{static_cast<std::uint32_t>(s.size())};
+  for (const char c : s) {
+    out.push_back(static_cast<unsigned char>(c));
+  }
+  return out;
+}
+std::optional<Oid> number(std::int64_t v, std::int64_t min, std::int64_t max) {
+  if (v < min || v > max) {
+    return std::nullopt;
+  }
+  return Oid{static_cast<std::uint32_t>(v)};
+}
+std::optional<Oid> join(std::initializer_list<std::optional<Oid>> parts) {
+  Oid out;
+  for (const auto& part : parts) {
+    if (!part) {
+      return std::nullopt;
+    }
+    out.insert(out.end(), part->begin(), part->end());
+  }
+  return out;
+}
+constexpr std::int64_t kMax32 = 2147483647;
+constexpr std::int64_t kMaxU32 = 4294967295;
+
+Oid instance(std::uint32_t table, std::uint32_t column, const Oid& index) {
+  Oid oid = kObjects;
+  oid.insert(oid.end(), {table, 1, column});
+  oid.insert(oid.end(), index.begin(), index.end());
+  return oid;
+}
+
+Oid nameOid(std::string_view s) { return *name(s); }
+
+Oid cat(std::initializer_list<Oid> parts) {
+  Oid out;
+  for (const Oid& part : parts) {
+    out.insert(out.end(), part.begin(), part.end());
+  }
+  return out;
+}
+
+// Every instance the MIB model should show, in OID order, built from the
+// model's rows with the encodings above and the columns the view declares.
+std::vector<Oid> expectedInstances(const QosMib& mib) {
+  std::vector<Oid> out;
+  auto add = [&out](std::uint32_t table, const std::optional<Oid>& index) {
+    if (!index) {
+      return;
+    }
+    for (const MibColumnInfo& column : MibView::tables()[table - 1].columns) {
+      if (column.accessible) {
+        out.push_back(instance(table, column.subId, *index));
+      }
+    }
+  };
+  for (const auto& [i, row] : mib.classMapTable()) {
+    add(kClassMapTable, join({name(i.name().view()), number(i.type(), 0, 2)}));
+  }
+  for (const auto& [i, row] : mib.classMapMatchTable()) {
+    add(kClassMapMatchTable,
+        join({name(i.name().view()), number(i.type(), 0, 2), number(i.matchIndex(), 1, kMaxU32)}));
+  }
+  for (const auto& [i, row] : mib.policyMapTable()) {
+    add(kPolicyMapTable, join({name(i.name().view()), number(i.type(), 0, 2)}));
+  }
+  for (const auto& [i, row] : mib.policyMapClassTable()) {
+    add(kPolicyMapClassTable,
+        join({name(i.name().view()), number(i.type(), 0, 2), number(i.prio(), 0, kMaxU32)}));
+  }
+  for (const auto& [i, row] : mib.policyMapActionTable()) {
+    add(kPolicyMapActionTable, join({name(i.pmapName().view()), number(i.type(), 0, 2),
+                                     name(i.cmapName().view()), number(i.actionType(), 0, 7)}));
+  }
+  for (const auto& [i, row] : mib.qosStatsTable()) {
+    add(kQosStatsTable, join({name(i.pmapName().view()), number(i.type(), 0, 2), name(i.cmapName().view()),
+                              number(i.qualifier(), 0, kMax32)}));
+  }
+  for (const auto& [i, row] : mib.qosPolicerStatsTable()) {
+    add(kQosPolicerStatsTable, join({name(i.pmapName().view()), number(i.type(), 0, 2),
+                                     name(i.cmapName().view()), number(i.ifIndex(), 0, kMax32)}));
+  }
+  for (const auto& [i, row] : mib.servicePolicyTable()) {
+    add(kServicePolicyTable, join({number(i.ifIndex(), 1, kMax32), number(i.direction(), 0, 2)}));
+  }
+  for (const auto& [chip, row] : mib.ecnCounterTable()) {
+    add(kEcnCounterTable, name(chip.view()));
+  }
+  for (const auto& [i, row] : mib.ecnQueueCounterTable()) {
+    add(kEcnQueueCounterTable, join({number(i.ifIndex(), 1, kMax32), number(i.queue(), 0, 255)}));
+  }
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+std::vector<VarBind> walk(const MibView& view, const Oid& from) {
+  std::vector<VarBind> walked;
+  VarBind vb = view.next(from);
+  while (vb.exception == SnmpException::none) {
+    walked.push_back(vb);
+    if (walked.size() > 100000) {
+      ADD_FAILURE() << "walk does not end";
+      break;
+    }
+    vb = view.next(vb.oid);
+  }
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  return walked;
+}
+
+// A switch's MIB model filled directly: every table, entities with distinct
+// values, rows with null entities, and rows the MIB cannot name.
+class MibViewTest : public ::testing::Test {
+ protected:
+  MibViewTest() {
+    addClassMaps();
+    addPolicyMaps();
+    addActions();
+    addStatistics();
+    addServicePolicies();
+    addEcnCounters();
+  }
+
+  void addClassMaps() {
+    cm1_->typeIs(Qos::mapQos_);
+    cm1_->cpTypeIs(Qos::classMapCpDynamic_);
+    cm1_->matchConditionIs(Qos::matchConditionAll_);
+    auto dscp = Kel::make<Qos::ClassMapMatch>(Qos::matchDscp_);
+    dscp->valueIs("46");
+    cm1_->matchIs(Qos::matchDscp_, dscp);
+    auto vlan = Kel::make<Qos::ClassMapMatch>(Qos::matchVlan_);
+    vlan->valueIs("10,20-30");
+    cm1_->matchIs(Qos::matchVlan_, vlan);
+    bgp_->typeIs(Qos::mapControlPlane_);
+    bgp_->cpStaticTypeIs(Qos::cpStaticBgp_);
+
+    mib_->classMapTableIs({"cm1", Qos::mapQos_}, cm1_);
+    mib_->classMapTableIs({"copp-system-bgp", Qos::mapControlPlane_}, bgp_);
+    mib_->classMapTableIs({"gone", Qos::mapQos_}, nullptr);
+    mib_->classMapTableIs({std::string(31, 'x'), Qos::mapQos_}, cm1_);  // name too long for the MIB
+    mib_->classMapMatchTableIs({"cm1", Qos::mapQos_, 1}, cm1_, dscp);
+    mib_->classMapMatchTableIs({"cm1", Qos::mapQos_, 2}, cm1_, vlan);
+    mib_->classMapMatchTableIs({"cm1", Qos::mapQos_, 3}, cm1_, nullptr);
+    mib_->classMapMatchTableIs({"cm1", Qos::mapQos_, 0}, cm1_, dscp);  // match index counts from 1
+  }
+
+  void addPolicyMaps() {
+    pm1_->typeIs(Qos::mapQos_);
+    auto prio1 = Kel::make<Qos::ClassPriority>(1);
+    prio1->cmapNameIs("cm1");
+    pm1_->classPrioIs(1, prio1);
+    auto prio2 = Kel::make<Qos::ClassPriority>(3072);
+    prio2->cmapNameIs("class-default");
+    pm1_->classPrioIs(3072, prio2);
+    pm1_->classDefaultIs(Kel::make<Qos::ClassMapStatus>("class-default"));
+    mib_->policyMapTableIs({"pm1", Qos::mapQos_}, pm1_);
+    mib_->policyMapTableIs({"copp-system-policy", Qos::mapControlPlane_}, coppPolicy_);
+    mib_->policyMapClassTableIs({"pm1", Qos::mapQos_, 1}, pm1_, "cm1");
+    mib_->policyMapClassTableIs({"pm1", Qos::mapQos_, 3072}, pm1_, "class-default");
+    mib_->policyMapClassTableIs({"copp-system-policy", Qos::mapControlPlane_, 4294967295U}, coppPolicy_,
+                                "copp-system-bgp");
+  }
+
+  void addActions() {
+    auto classAction = Kel::make<Qos::ClassAction>("cm1");
+    police_->rateIs(5000000000ULL);
+    police_->rateUnitIs(Qos::rateUnitKbps_);
+    police_->burstSizeIs(64000);
+    police_->peakRateIs(6000000000ULL);
+    police_->peakBurstSizeIs(128000);
+    classAction->policyActionIs(Qos::actionPolice_, police_);
+    auto setDscp = Kel::make<Qos::Action>(Qos::actionSetDscp_);
+    setDscp->valueIs(46);
+    classAction->policyActionIs(Qos::actionSetDscp_, setDscp);
+    mib_->policyMapActionTableIs({"pm1", Qos::mapQos_, "cm1", Qos::actionPolice_}, classAction, police_,
+                                 nullptr, hwStatus_, slice_);
+    mib_->policyMapActionTableIs({"pm1", Qos::mapQos_, "cm1", Qos::actionSetDscp_}, classAction, setDscp,
+                                 nullptr, hwStatus_, slice_);
+    bgpHw_->programmingStatusIs(Qos::hwStatusProgrammed_);
+    bgpHw_->shapeRateIs(1000);
+    bgpHw_->bandwidthIs(2000);
+    for (const Kel::S32 actionType : {0, 1}) {
+      mib_->policyMapActionTableIs(
+          {"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", actionType}, nullptr, nullptr,
+          bgpHw_, hwStatus_, slice_);
+    }
+    mib_->policyMapActionTableIs({"pm1", Qos::mapQos_, "cm1", 8}, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr);  // not an action type the MIB knows
+  }
+
+  void addStatistics() {
+    cm1Counter_->packetsIs(100);
+    cm1Counter_->bytesIs(6400);
+    cm1Counter_->droppedPacketsIs(3);
+    cm1Counter_->droppedBytesIs(192);
+    auto cm1Hw = Kel::make<Qos::ClassMapHwStatus>("cm1");
+    cm1Hw->programmingStatusIs(Qos::hwStatusError_);
+    mib_->qosStatsTableIs({"pm1", Qos::mapQos_, "cm1", 1}, cm1Hw, cm1Counter_);
+    mib_->qosStatsTableIs({"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", 0}, nullptr,
+                          bgpCounter_);
+    mib_->qosStatsTableIs({"pm1", Qos::mapQos_, "cm1", -1}, cm1Hw, cm1Counter_);  // negative qualifier
+
+    policer_->conformedPacketsIs(1);
+    policer_->conformedBytesIs(2);
+    policer_->exceededPacketsIs(3);
+    policer_->exceededBytesIs(4);
+    policer_->violatedPacketsIs(5);
+    policer_->violatedBytesIs(6);
+    mib_->qosPolicerStatsTableIs({"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", 0},
+                                 policer_);
+    mib_->qosPolicerStatsTableIs({"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", 12},
+                                 policer_);
+  }
+
+  void addServicePolicies() {
+    mib_->servicePolicyTableIs({12, Qos::directionInput_}, "pm1",
+                               Qos::ServicePolicyKey(Qos::mapQos_, Qos::directionInput_, "pm1"));
+    mib_->servicePolicyTableIs({12, Qos::directionOutput_}, "pm1",
+                               Qos::ServicePolicyKey(Qos::mapQos_, Qos::directionOutput_, "pm1"));
+    mib_->servicePolicyTableIs({2147483647, Qos::directionInput_}, "pm1",
+                               Qos::ServicePolicyKey(Qos::mapQos_, Qos::directionInput_, "pm1"));
+    mib_->servicePolicyTableIs(
+        {0, Qos::directionInput_}, "pm1",
+        Qos::ServicePolicyKey(Qos::mapQos_, Qos::directionInput_, "pm1"));  // no ifIndex
+  }
+
+  void addEcnCounters() {
+    chip0_->ecnMarkedPacketsIs(7);
+    chip0_->ecnMarkedBytesIs(700);
+    chip0_->ecnDroppedPacketsIs(9);
+    mib_->ecnCounterTableIs("chip10", Kel::make<Qos::ChipCounter>("chip10"), 0);
+    mib_->ecnCounterTableIs("chip0", chip0_, 0);
+    mib_->ecnCounterTableIs("", nullptr, 0);
+
+    const Pellix::IntfId eth12("Ethernet12");
+    auto queues = Kel::make<Qos::EcnIntfQueueCounter>(eth12);
+    queues->queueMarkedPacketsIs(1, 11);
+    queues->queueMarkedBytesIs(1, 1100);
+    ecnCounters_->intfQueueCounterIs(eth12, queues);
+    auto intfHw = Kel::make<Qos::EcnIntfCounterStatus>(eth12);
+    intfHw->programmingStatusIs(Qos::hwStatusProgrammed_);
+    slice_->ecnIntfCounterHwStatusIs(eth12, intfHw);
+    for (const Kel::U8 queue : {0, 1, 255}) {
+      mib_->ecnQueueCounterTableIs({12, queue}, eth12, slice_, ecnCounters_, true);
+    }
+    mib_->ecnQueueCounterTableIs({13, 0}, Pellix::IntfId("Ethernet13"), nullptr, nullptr, false);
+  }
+
+  VarBind get(std::uint32_t table, std::uint32_t column, const Oid& index) const {
+    return view_.get(instance(table, column, index));
+  }
+  std::string rendered(std::uint32_t table, std::uint32_t column, const Oid& index) const {
+    return MibView::render(get(table, column, index));
+  }
+
+  Kel::Ptr<QosMib> mib_ = Kel::make<QosMib>();
+  MibView view_{*mib_};
+  Kel::Ptr<Qos::ClassMapStatus> cm1_ = Kel::make<Qos::ClassMapStatus>("cm1");
+  Kel::Ptr<Qos::ClassMapStatus> bgp_ = Kel::make<Qos::ClassMapStatus>("copp-system-bgp");
+  Kel::Ptr<Qos::PolicyMapStatus> pm1_ = Kel::make<Qos::PolicyMapStatus>("pm1");
+  Kel::Ptr<Qos::PolicyMapStatus> coppPolicy_ = Kel::make<Qos::PolicyMapStatus>("copp-system-policy");
+  Kel::Ptr<Qos::Action> police_ = Kel::make<Qos::Action>(Qos::actionPolice_);
+  Kel::Ptr<Qos::ClassMapHwStatus> bgpHw_ = Kel::make<Qos::ClassMapHwStatus>("copp-system-bgp");
+  Kel::Ptr<Qos::HwStatus> hwStatus_ = Kel::make<Qos::HwStatus>();
+  Kel::Ptr<Qos::SliceHwStatus> slice_ = Kel::make<Qos::SliceHwStatus>("slice0");
+  Kel::Ptr<Qos::Counter> cm1Counter_ = Kel::make<Qos::Counter>("cm1");
+  Kel::Ptr<Qos::Counter> bgpCounter_ = Kel::make<Qos::Counter>("copp-system-bgp");
+  Kel::Ptr<Qos::PolicerHwStatus> policer_ = Kel::make<Qos::PolicerHwStatus>("Ethernet12");
+  Kel::Ptr<Qos::ChipCounter> chip0_ = Kel::make<Qos::ChipCounter>("chip0");
+  Kel::Ptr<Qos::EcnCounterTable> ecnCounters_ = Kel::make<Qos::EcnCounterTable>();
+};
+
+TEST_F(MibViewTest, WalkFromModuleRootVisitsEveryInstanceInIncreasingOidOrderThenEnds) {
+  const std::vector<VarBind> walked =
+      walk(view_, Oid(MibView::moduleOid().begin(), MibView::moduleOid().end()));
+  std::vector<Oid> oids;
+  for (const VarBind& vb : walked) {
+    oids.push_back(vb.oid);
+  }
+  for (std::size_t i = 1; i < oids.size(); ++i) {
+    EXPECT_LT(oids[i - 1], oids[i]) << MibView::oidName(oids[i]);
+  }
+  EXPECT_EQ(oids, expectedInstances(*mib_));
+  // Every table shows up.
+  std::set<std::uint32_t> tables;
+  for (const Oid& oid : oids) {
+    tables.insert(oid[kObjects.size()]);
+  }
+  EXPECT_EQ(tables.size(), 10U);
+}
+
+TEST_F(MibViewTest, GetOfEveryWalkedInstanceAnswersTheWalkedValue) {
+  for (const VarBind& walked : walk(view_, {})) {
+    const VarBind got = view_.get(walked.oid);
+    EXPECT_EQ(got.exception, SnmpException::none) << MibView::oidName(walked.oid);
+    EXPECT_EQ(got.oid, walked.oid);
+    EXPECT_EQ(got.value, walked.value) << MibView::oidName(walked.oid);
+  }
+}
+
+TEST_F(MibViewTest, WalkedValuesHaveTheirColumnsTypes) {
+  for (const VarBind& vb : walk(view_, {})) {
+    const auto& table = MibView::tables()[vb.oid[kObjects.size()] - 1];
+    const auto& column = table.columns[vb.oid[kObjects.size() + 2] - 1];
+    EXPECT_TRUE(column.accessible);
+    EXPECT_EQ(vb.value.type, column.type) << MibView::oidName(vb.oid);
+  }
+}
+
+TEST_F(MibViewTest, ClassMapColumnsRenderTheClassMap) {
+  const Oid cm1 = cat({nameOid("cm1"), {1}});
+  EXPECT_EQ(rendered(kClassMapTable, 3, cm1), "qosClassMapCpType.3.99.109.49.1 = 1");
+  EXPECT_EQ(rendered(kClassMapTable, 5, cm1), "qosClassMapMatchCondition.3.99.109.49.1 = 1");
+  EXPECT_EQ(rendered(kClassMapTable, 6, cm1), "qosClassMapMatchRules.3.99.109.49.1 = 2");
+  EXPECT_EQ(get(kClassMapTable, 4, cat({nameOid("copp-system-bgp"), {0}})).value, SnmpValue::integer32Is(10));
+  EXPECT_EQ(rendered(kClassMapMatchTable, 4, cat({cm1, {1}})), "qosClassMapMatchOption.3.99.109.49.1.1 = 6");
+  EXPECT_EQ(rendered(kClassMapMatchTable, 5, cat({cm1, {2}})),
+            "qosClassMapMatchValue.3.99.109.49.1.2 = \"10,20-30\"");
+}
+
+TEST_F(MibViewTest, PolicyMapColumnsRenderThePolicyMapAndItsClasses) {
+  const Oid pm1 = cat({nameOid("pm1"), {1}});
+  EXPECT_EQ(get(kPolicyMapTable, 3, pm1).value, SnmpValue::unsigned32Is(2));
+  EXPECT_EQ(get(kPolicyMapTable, 4, pm1).value, SnmpValue::octetStringIs("class-default"));
+  EXPECT_EQ(get(kPolicyMapTable, 4, cat({nameOid("copp-system-policy"), {0}})).value,
+            SnmpValue::octetStringIs(""));
+  EXPECT_EQ(get(kPolicyMapClassTable, 4, cat({pm1, {3072}})).value,
+            SnmpValue::octetStringIs("class-default"));
+  EXPECT_EQ(get(kPolicyMapClassTable, 4, cat({nameOid("copp-system-policy"), {0, 4294967295U}})).value,
+            SnmpValue::octetStringIs("copp-system-bgp"));
+}
+
+TEST_F(MibViewTest, ActionColumnsRenderTheActionAndTheClassHardwareStatus) {
+  const Oid police = cat({nameOid("pm1"), {1}, nameOid("cm1"), {Qos::actionPolice_}});
+  EXPECT_EQ(get(kPolicyMapActionTable, 6, police).value, SnmpValue::counter64Is(5000000000ULL));
+  EXPECT_EQ(get(kPolicyMapActionTable, 7, police).value, SnmpValue::integer32Is(Qos::rateUnitKbps_));
+  EXPECT_EQ(get(kPolicyMapActionTable, 8, police).value, SnmpValue::counter64Is(64000));
+  EXPECT_EQ(get(kPolicyMapActionTable, 9, police).value, SnmpValue::counter64Is(6000000000ULL));
+  EXPECT_EQ(get(kPolicyMapActionTable, 10, police).value, SnmpValue::counter64Is(128000));
+  const Oid dscp = cat({nameOid("pm1"), {1}, nameOid("cm1"), {Qos::actionSetDscp_}});
+  EXPECT_EQ(get(kPolicyMapActionTable, 5, dscp).value, SnmpValue::unsigned32Is(46));
+  const Oid hw = cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {1}});
+  EXPECT_EQ(get(kPolicyMapActionTable, 11, hw).value, SnmpValue::integer32Is(Qos::hwStatusProgrammed_));
+  EXPECT_EQ(get(kPolicyMapActionTable, 12, hw).value, SnmpValue::counter64Is(1000));
+  EXPECT_EQ(get(kPolicyMapActionTable, 13, hw).value, SnmpValue::counter64Is(2000));
+}
+
+TEST_F(MibViewTest, NullEntitiesRenderAsZeroOrEmpty) {
+  const Oid gone = cat({nameOid("gone"), {1}});
+  for (const std::uint32_t column : {3, 4, 5}) {
+    EXPECT_EQ(get(kClassMapTable, column, gone).value, SnmpValue::integer32Is(0));
+  }
+  EXPECT_EQ(get(kClassMapTable, 6, gone).value, SnmpValue::unsigned32Is(0));
+  EXPECT_EQ(get(kClassMapMatchTable, 5, cat({nameOid("cm1"), {1, 3}})).value, SnmpValue::octetStringIs(""));
+  // A hardware-only action row has no configured action; a configured one no hardware status.
+  const Oid hw = cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {0}});
+  EXPECT_EQ(get(kPolicyMapActionTable, 6, hw).value, SnmpValue::counter64Is(0));
+  const Oid police = cat({nameOid("pm1"), {1}, nameOid("cm1"), {Qos::actionPolice_}});
+  EXPECT_EQ(get(kPolicyMapActionTable, 11, police).value, SnmpValue::integer32Is(Qos::hwStatusUnknown_));
+  // Control-plane statistics have no class hardware status.
+  EXPECT_EQ(get(kQosStatsTable, 9, cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {0}}))
+                .value,
+            SnmpValue::integer32Is(Qos::hwStatusUnknown_));
+  EXPECT_EQ(get(kEcnCounterTable, 2, nameOid("")).value, SnmpValue::counter64Is(0));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 4, {13, 0}).value, SnmpValue::counter64Is(0));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 6, {13, 0}).value, SnmpValue::integer32Is(Qos::hwStatusUnknown_));
+}
+
+TEST_F(MibViewTest, StatisticsColumnsRenderTheCounters) {
+  const Oid stats = cat({nameOid("pm1"), {1}, nameOid("cm1"), {1}});
+  EXPECT_EQ(get(kQosStatsTable, 5, stats).value, SnmpValue::counter64Is(100));
+  EXPECT_EQ(get(kQosStatsTable, 6, stats).value, SnmpValue::counter64Is(6400));
+  EXPECT_EQ(get(kQosStatsTable, 7, stats).value, SnmpValue::counter64Is(3));
+  EXPECT_EQ(get(kQosStatsTable, 8, stats).value, SnmpValue::counter64Is(192));
+  EXPECT_EQ(get(kQosStatsTable, 9, stats).value, SnmpValue::integer32Is(Qos::hwStatusError_));
+  const Oid policer = cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {12}});
+  for (std::uint32_t column = 5; column <= 10; ++column) {
+    EXPECT_EQ(get(kQosPolicerStatsTable, column, policer).value, SnmpValue::counter64Is(column - 4));
+  }
+  // The policer row of an interface without ifIndex is served under 0.
+  EXPECT_EQ(get(kQosPolicerStatsTable, 5,
+                cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {0}}))
+                .exception,
+            SnmpException::none);
+}
+
+TEST_F(MibViewTest, ServicePolicyAndEcnColumnsRenderTheirRows) {
+  EXPECT_EQ(rendered(kServicePolicyTable, 3, {12, 2}), "qosServicePolicyPmapName.12.2 = \"pm1\"");
+  EXPECT_EQ(rendered(kServicePolicyTable, 4, {12, 2}), "qosServicePolicyPmapType.12.2 = 1");
+  EXPECT_EQ(get(kEcnCounterTable, 2, nameOid("chip0")).value, SnmpValue::counter64Is(7));
+  EXPECT_EQ(get(kEcnCounterTable, 3, nameOid("chip0")).value, SnmpValue::counter64Is(700));
+  EXPECT_EQ(get(kEcnCounterTable, 4, nameOid("chip0")).value, SnmpValue::counter64Is(9));
+  EXPECT_EQ(rendered(kEcnQueueCounterTable, 3, {12, 1}), "qosEcnQueueCounterIntfName.12.1 = \"Ethernet12\"");
+  EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(11));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 5, {12, 1}).value, SnmpValue::counter64Is(1100));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 0}).value, SnmpValue::counter64Is(0));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 6, {12, 0}).value, SnmpValue::integer32Is(Qos::hwStatusProgrammed_));
+  EXPECT_EQ(get(kEcnQueueCounterTable, 7, {12, 0}).value, SnmpValue::integer32Is(1));  // true
+  EXPECT_EQ(get(kEcnQueueCounterTable, 7, {13, 0}).value, SnmpValue::integer32Is(2));  // false
+}
+
+TEST_F(MibViewTest, CountersAreReadLiveWithoutTouchingTheRow) {
+  const Oid stats = cat({nameOid("pm1"), {1}, nameOid("cm1"), {1}});
+  const auto rowBefore = *mib_->qosStatsTable({"pm1", 1, "cm1", 1});
+  cm1Counter_->packetsIs(12345678901234ULL);
+  chip0_->ecnMarkedPacketsIs(8);
+  policer_->violatedBytesIs(66);
+  police_->rateIs(42);
+  EXPECT_EQ(*mib_->qosStatsTable({"pm1", 1, "cm1", 1}), rowBefore);
+  EXPECT_EQ(get(kQosStatsTable, 5, stats).value, SnmpValue::counter64Is(12345678901234ULL));
+  EXPECT_EQ(get(kEcnCounterTable, 2, nameOid("chip0")).value, SnmpValue::counter64Is(8));
+  EXPECT_EQ(get(kQosPolicerStatsTable, 10,
+                cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {12}}))
+                .value,
+            SnmpValue::counter64Is(66));
+  EXPECT_EQ(
+      get(kPolicyMapActionTable, 6, cat({nameOid("pm1"), {1}, nameOid("cm1"), {Qos::actionPolice_}})).value,
+      SnmpValue::counter64Is(42));
+  // The walk reads them live too.
+  const VarBind next =
+      view_.next(instance(kQosStatsTable, 5, cat({nameOid("pm1"), {1}, nameOid("cm1"), {0}})));
+  EXPECT_EQ(next.oid, instance(kQosStatsTable, 5, stats));
+  EXPECT_EQ(next.value, SnmpValue::counter64Is(12345678901234ULL));
+}
+
+TEST_F(MibViewTest, GetOutsideAReadableColumnAnswersNoSuchObject) {
+  const Oid cm1 = cat({nameOid("cm1"), {1}});
+  const std::vector<Oid> oids = {
+      {},
+      {1, 3, 6, 1, 2, 1, 1, 1, 0},
+      Oid(MibView::moduleOid().begin(), MibView::moduleOid().end()),
+      kObjects,
+      cat({kObjects, {kClassMapTable}}),
+      cat({kObjects, {kClassMapTable, 1}}),
+      instance(kClassMapTable, 1, cm1),              // index column
+      instance(kClassMapTable, 2, cm1),              // index column
+      instance(kClassMapTable, 0, cm1),              // no column 0
+      instance(kClassMapTable, 7, cm1),              // past the last column
+      cat({kObjects, {kClassMapTable, 2, 3}, cm1}),  // not the entry
+      instance(0, 3, cm1),
+      instance(11, 3, cm1),
+      {1, 3, 6, 1, 4, 1, 32473, 2, 1, 1, 1, 3},
+  };
+  for (const Oid& oid : oids) {
+    const VarBind vb = view_.get(oid);
+    EXPECT_EQ(vb.exception, SnmpException::noSuchObject) << MibView::oidName(oid);
+    EXPECT_EQ(vb.oid, oid);
+  }
+}
+
+TEST_F(MibViewTest, GetOfAReadableColumnWithoutSuchRowAnswersNoSuchInstance) {
+  const std::vector<Oid> indexes = {
+      {},
+      nameOid("cm1"),                  // type missing
+      cat({nameOid("cm1"), {1, 0}}),   // one too many
+      cat({nameOid("cm2"), {1}}),      // no such class map
+      cat({nameOid("cm1"), {0}}),      // no such type
+      cat({nameOid("cm1"), {3}}),      // a type the MIB does not know
+      {4, 'c', 'm', '1', 1},           // length and bytes disagree
+      {3, 'c', 'm', 0x131, 1},         // not a byte
+      cat({{31}, Oid(31, 'x'), {1}}),  // a name too long for the MIB, although a row has it
+      {0xFFFFFFFF},
+  };
+  for (const Oid& index : indexes) {
+    const VarBind vb = get(kClassMapTable, 3, index);
+    EXPECT_EQ(vb.exception, SnmpException::noSuchInstance) << MibView::oidName(vb.oid);
+  }
+  EXPECT_EQ(get(kServicePolicyTable, 3, {0, 1}).exception, SnmpException::noSuchInstance);
+  EXPECT_EQ(get(kServicePolicyTable, 3, {0xFFFFFFFF, 1}).exception, SnmpException::noSuchInstance);
+  EXPECT_EQ(get(kQosStatsTable, 5, cat({nameOid("pm1"), {1}, nameOid("cm1"), {0xFFFFFFFF}})).exception,
+            SnmpException::noSuchInstance);
+}
+
+TEST_F(MibViewTest, RowsTheMibCannotNameAreNeitherWalkedNorAnswered) {
+  ASSERT_TRUE(mib_->classMapTable({std::string(31, 'x'), Qos::mapQos_}));
+  ASSERT_TRUE(mib_->qosStatsTable({"pm1", 1, "cm1", -1}));
+  ASSERT_TRUE(mib_->servicePolicyTable({0, Qos::directionInput_}));
+  const std::size_t table = kObjects.size();
+  const std::size_t index = table + 3;
+  std::size_t classMaps = 0;
+  for (const VarBind& vb : walk(view_, {})) {
+    if (vb.oid[table] == kClassMapTable) {
+      ++classMaps;
+      EXPECT_LE(vb.oid[index], 30U) << MibView::oidName(vb.oid);
+    }
+    if (vb.oid[table] == kServicePolicyTable) {
+      EXPECT_NE(vb.oid[index], 0U) << MibView::oidName(vb.oid);
+    }
+    if (vb.oid[table] == kQosStatsTable) {
+      EXPECT_NE(vb.oid.back(), 0xFFFFFFFFU) << MibView::oidName(vb.oid);
+    }
+  }
+  // Three class maps the MIB can name, four columns each.
+  EXPECT_EQ(classMaps, 3U * 4U);
+}
+
+// Probes near and far from the instances, compared with a brute-force
+// search of the sorted list of every instance.
+TEST_F(MibViewTest, NextOfAnyOidIsTheFirstInstanceAfterIt) {
+  const std::vector<Oid> all = expectedInstances(*mib_);
+  ASSERT_GT(all.size(), 50U);
+  std::vector<Oid> probes = {{},
+                             {0},
+                             {1, 3, 6, 1, 4, 1, 32473},
+                             {1, 3, 6, 1, 4, 1, 32473, 1},
+                             {1, 3, 6, 1, 4, 1, 32473, 1, 0},
+                             kObjects,
+                             cat({kObjects, {0}}),
+                             cat({kObjects, {11}}),
+                             cat({kObjects, {0xFFFFFFFF}}),
+                             {1, 3, 6, 1, 4, 1, 32473, 1, 2},
+                             {1, 3, 6, 1, 4, 1, 32473, 2},
+                             {2},
+                             {0xFFFFFFFF, 0xFFFFFFFF}};
+  for (std::uint32_t table = 1; table <= 10; ++table) {
+    for (const std::uint32_t entry : {0U, 1U, 2U}) {
+      probes.push_back(cat({kObjects, {table, entry}}));
+      for (std::uint32_t column = 0; column <= 14; ++column) {
+        probes.push_back(cat({kObjects, {table, entry, column}}));
+        probes.push_back(cat({kObjects, {table, entry, column, 0xFFFFFFFF}}));
+      }
+    }
+  }
+  for (const Oid& oid : all) {
+    for (std::size_t cut = kObjects.size(); cut < oid.size(); ++cut) {
+      probes.emplace_back(oid.begin(), oid.begin() + static_cast<std::ptrdiff_t>(cut));
+    }
+    probes.push_back(oid);
+    probes.push_back(cat({oid, {0}}));
+    for (std::size_t i = kObjects.size(); i < oid.size(); ++i) {
+      for (const std::uint32_t delta : {1U, 0xFFFFFFFFU}) {
+        Oid nudged = oid;
+        nudged[i] += delta;
+        probes.push_back(nudged);
+        nudged.resize(i + 1);
+        probes.push_back(nudged);
+      }
+      Oid huge = oid;
+      huge[i] = 0xFFFFFFFF;
+      probes.push_back(huge);
+      Oid notAByte = oid;
+      notAByte[i] = 256;
+      probes.push_back(notAByte);
+    }
+  }
+  std::mt19937 random(7);
+  for (int i = 0; i < 5000; ++i) {
+    Oid garbage = kObjects;
+    garbage.resize(std::uniform_int_distribution<std::size_t>(0, kObjects.size())(random));
+    const std::size_t extra = std::uniform_int_distribution<std::size_t>(0, 14)(random);
+    for (std::size_t k = 0; k < extra; ++k) {
+      switch (std::uniform_int_distribution<int>(0, 3)(random)) {
+        case 0:
+          garbage.push_back(std::uniform_int_distribution<std::uint32_t>(0, 14)(random));
+          break;
+        case 1:
+          garbage.push_back(std::uniform_int_distribution<std::uint32_t>('a', 'z')(random));
+          break;
+        case 2:
+          garbage.push_back(std::uniform_int_distribution<std::uint32_t>(250, 260)(random));
+          break;
+        default:
+          garbage.push_back(static_cast<std::uint32_t>(random()));
+          break;
+      }
+    }
+    probes.push_back(garbage);
+  }
+
+  for (const Oid& probe : probes) {
+    const auto expected = std::upper_bound(all.begin(), all.end(), probe);
+    const VarBind vb = view_.next(probe);
+    if (expected == all.end()) {
+      ASSERT_EQ(vb.exception, SnmpException::endOfMibView) << MibView::oidName(probe);
+    } else {
+      ASSERT_EQ(vb.exception, SnmpException::none) << MibView::oidName(probe);
+      ASSERT_EQ(vb.oid, *expected) << "after " << MibView::oidName(probe) << " got "
+                                   << MibView::oidName(vb.oid);
+    }
+  }
+}
+
+TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
+  const Oid last = expectedInstances(*mib_).back();
+  EXPECT_EQ(view_.next(last).exception, SnmpException::endOfMibView);
+  EXPECT_EQ(view_.next(last).oid, last);
+}
+
+TEST(MibViewEmptyTest, WalkOfAnEmptyModelEndsAtOnce) {
+  const auto mib = Kel::make<QosMib>();
+  const MibView view(*mib);
+  EXPECT_EQ(view.next(Oid{}).exception, SnmpException::endOfMibView);
+  EXPECT_EQ(view.next(MibView::objectsOid()).exception, SnmpException::endOfMibView);
+  EXPECT_EQ(view.get(instance(kClassMapTable, 3, cat({nameOid("cm1"), {1}}))).exception,
+            SnmpException::noSuchInstance);
+}
+
+TEST(MibViewNamesTest, OidNameWritesTheColumnAndTheIndex) {
+  EXPECT_EQ(MibView::oidName(instance(kClassMapTable, 3, {3, 99, 109, 49, 1})),
+            "qosClassMapCpType.3.99.109.49.1");
+  EXPECT_EQ(MibView::oidName(cat({kObjects, {kEcnQueueCounterTable, 1}})), "qosEcnQueueCounterEntry");
+  EXPECT_EQ(MibView::oidName(cat({kObjects, {kQosStatsTable}})), "qosStatsTable");
+  EXPECT_EQ(MibView::oidName(Oid{1, 3, 6, 1}), "1.3.6.1");
+  VarBind vb;
+  vb.oid = instance(kEcnCounterTable, 2, {1, 'c'});
+  vb.exception = SnmpException::noSuchInstance;
+  EXPECT_EQ(MibView::render(vb), "qosEcnCounterMarkedPackets.1.99 = noSuchInstance");
+  vb.exception = SnmpException::none;
+  vb.value = SnmpValue::octetStringIs(std::string("a\"b\x01", 4));
+  EXPECT_EQ(MibView::render(vb), "qosEcnCounterMarkedPackets.1.99 = \"a\\\"b\\x01\"");
+}
+
+// The MIB module's OBJECT-TYPE definitions, read from its text: name ->
+// (OID, SYNTAX's first word, MAX-ACCESS).
+struct MibObject {
+  Oid oid;
+  std::string syntax;
+  std::string access;
+};
+
+void scanDefinitions(const std::vector<std::string>& words, std::map<std::string, Oid>& oids,
+                     std::map<std::string, MibObject>& objects);
+
+std::map<std::string, MibObject> mibObjects() {
+  const std::filesystem::path file =
+      std::filesystem::path(__FILE__).parent_path() / "../../../mib/QOS-SNMP-MIB.txt";
+  std::ifstream in(file);
+  EXPECT_TRUE(in) << file;
+  std::vector<std::string> words;
+  std::string line;
+  while (std::getline(in, line)) {
+    line = line.substr(0, line.find("--"));
+    std::istringstream split(line);
+    std::copy(std::istream_iterator<std::string>(split), std::istream_iterator<std::string>(),
+              std::back_inserter(words));
+  }
+  std::map<std::string, Oid> oids = {{"enterprises", {1, 3, 6, 1, 4, 1}}};
+  std::map<std::string, MibObject> objects;
+  // A definition may name a parent defined further down: read until every
+  // parent is known.
+  for (std::size_t known = 0; known != oids.size();) {
+    known = oids.size();
+    scanDefinitions(words, oids, objects);
+  }
+  return objects;
+}
+
+void scanDefinitions(const std::vector<std::string>& words, std::map<std::string, Oid>& oids,
+                     std::map<std::string, MibObject>& objects) {
+  for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+    const bool objectType = words[i + 1] == "OBJECT-TYPE";
+    const bool identifier = words[i + 1] == "OBJECT" && i + 2 < words.size() && words[i + 2] == "IDENTIFIER";
+    const bool module = words[i + 1] == "MODULE-IDENTITY";
+    if (!objectType && !identifier && !module) {
+      continue;
+    }
+    MibObject object;
+    std::size_t j = i + 2;
+    for (; j + 4 < words.size() && words[j] != "::="; ++j) {
+      if (words[j] == "SYNTAX" && object.syntax.empty()) {
+        object.syntax = words[j + 1];
+      }
+      if (words[j] == "MAX-ACCESS") {
+        object.access = words[j + 1];
+      }
+    }
+    // ::= { parent number [number] }
+    if (j + 4 >= words.size() || words[j + 1] != "{" || !oids.contains(words[j + 2])) {
+      continue;
+    }
+    object.oid = oids[words[j + 2]];
+    for (std::size_t k = j + 3; k < words.size() && words[k] != "}"; ++k) {
+      object.oid.push_back(static_cast<std::uint32_t>(std::stoul(words[k])));
+    }
+    oids[words[i]] = object.oid;
+    if (objectType) {
+      objects[words[i]] = object;
+    }
+  }
+}
+
+SnmpValue::Type typeOfSyntax(const std::string& syntax) {
+  if (syntax == "DisplayString") {
+    return SnmpValue::Type::octetString;
+  }
+  if (syntax == "Counter64" || syntax == "QosGauge64") {
+    return SnmpValue::Type::counter64;
+  }
+  if (syntax == "Unsigned32") {
+    return SnmpValue::Type::unsigned32;
+  }
+  return SnmpValue::Type::integer32;
+}
+
+TEST(MibViewModuleTest, MibModuleDeclaresExactlyTheViewsTablesAndColumns) {
+  const auto objects = mibObjects();
+  std::size_t declared = 0;
+  for (const MibTableInfo& table : MibView::tables()) {
+    const Oid tableOid = cat({kObjects, {table.subId}});
+    ASSERT_TRUE(objects.contains(std::string(table.name))) << table.name;
+    EXPECT_EQ(objects.at(std::string(table.name)).oid, tableOid);
+    ASSERT_TRUE(objects.contains(std::string(table.entryName))) << table.entryName;
+    EXPECT_EQ(objects.at(std::string(table.entryName)).oid, cat({tableOid, {1}}));
+    declared += 2;
+    for (const MibColumnInfo& column : table.columns) {
+      const std::string name(column.name);
+      ASSERT_TRUE(objects.contains(name)) << name;
+      const MibObject& object = objects.at(name);
+      EXPECT_EQ(object.oid, cat({tableOid, {1, column.subId}})) << name;
+      EXPECT_EQ(object.access, column.accessible ? "read-only" : "not-accessible") << name;
+      EXPECT_EQ(typeOfSyntax(object.syntax), column.type) << name << " " << object.syntax;
+      ++declared;
+    }
+  }
+  EXPECT_EQ(declared, objects.size());
+  const Oid module(MibView::moduleOid().begin(), MibView::moduleOid().end());
+  EXPECT_EQ(module, (Oid{1, 3, 6, 1, 4, 1, 32473, 1}));
+  EXPECT_EQ(Oid(MibView::objectsOid().begin(), MibView::objectsOid().end()), cat({module, {1}}));
+}
+
+}  // namespace
+}  // namespace QosSnmpHost
