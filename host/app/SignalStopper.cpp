@@ -1,0 +1,56 @@
+#include "host/app/SignalStopper.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+namespace QosSnmpHost {
+
+namespace {
+
+int writeFd = -1;
+
+void onSignal(int signal) {
+  const int saved = errno;
+  const unsigned char byte = static_cast<unsigned char>(signal);
+  [[maybe_unused]] const ssize_t written = ::write(writeFd, &byte, 1);
+  errno = saved;
+}
+
+}  // namespace
+
+SignalStopper::SignalStopper(Kel::ActivityManager& loop, std::function<void(int)> onSignalRead)
+    : loop_(loop) {
+  int fds[2];
+  if (::pipe2(fds, O_CLOEXEC | O_NONBLOCK) != 0) {
+    throw std::system_error(errno, std::generic_category(), "pipe");
+  }
+  readFd_ = fds[0];
+  writeFd = fds[1];
+  struct sigaction action {};
+  action.sa_handler = onSignal;
+  sigemptyset(&action.sa_mask);
+  action.sa_flags = SA_RESTART;
+  ::sigaction(SIGINT, &action, nullptr);
+  ::sigaction(SIGTERM, &action, nullptr);
+  loop_.fdReadableIs(readFd_, [this, onSignalRead = std::move(onSignalRead)] {
+    unsigned char byte = 0;
+    while (::read(readFd_, &byte, 1) == 1) {
+      onSignalRead(byte);
+    }
+  });
+}
+
+SignalStopper::~SignalStopper() {
+  ::signal(SIGINT, SIG_DFL);
+  ::signal(SIGTERM, SIG_DFL);
+  loop_.fdDel(readFd_);
+  ::close(readFd_);
+  ::close(writeFd);
+  writeFd = -1;
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,28 @@
+// SignalStopper: turns SIGINT and SIGTERM into a readable descriptor of the
+// event loop, so the reactor thread stops between two events, never inside a
+// handler.
+//
+// One per process. The signal handler only writes a byte to a pipe.
+#pragma once
+
+#include <functional>
+
+#include "kel/ActivityManager.h"
+
+namespace QosSnmpHost {
+
+class SignalStopper {
+ public:
+  // Installs the handlers; `onSignal` runs on the loop's thread with the
+  // signal's number.
+  SignalStopper(Kel::ActivityManager& loop, std::function<void(int)> onSignal);
+  ~SignalStopper();
+  SignalStopper(const SignalStopper&) = delete;
+  SignalStopper& operator=(const SignalStopper&) = delete;
+
+ private:
+  Kel::ActivityManager& loop_;
+  int readFd_ = -1;
+};
+
+}  // namespace QosSnmpHost
