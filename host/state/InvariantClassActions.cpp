@@ -117,144 +117,189 @@ std::optional<std::string> InvariantClassActions::sameNameRefusal(const Invarian
          "cannot re-create one for another entity)";
 }
 
-InvariantClassActions::Replay InvariantClassActions::replay(const InvariantView& view, const Path& policyMap,
-                                                            const HeldByName* held,
-                                                            const std::set<std::string>& classMaps,
-                                                            Sight sight) {
-  // Each class-action entity by an id: "m/<name>" a class action, "d/<name>"
-  // an own default class action, with a trailing "+" when the transition
-  // makes it; "gone" for one that left the document before the transition.
-  const Path defaultPath = InvariantView::join(policyMap, {"defaultClassAction"});
-  const auto oldOwn = ownDefaultName(view.before(defaultPath));
-  const auto newOwn = ownDefaultName(view.after(defaultPath));
-  const auto memberId = [&](const std::string& name) {
-    return "m/" + name + (view.before(classActionPath(policyMap, name)) != nullptr ? "" : "+");
-  };
-  // The default class action the policy map holds before or after, as the
-  // request (name, id) it makes.
+// One class machine's requests during one transition, replayed against the
+// action machines it holds. Each class-action entity has an id: "m/<name>"
+// a class action, "d/<name>" an own default class action, with a trailing
+// "+" when the transition makes it; "gone" for one that left the document
+// before the transition.
+class InvariantClassActions::Replayer {
+ public:
+  Replayer(const InvariantView& view, const Path& policyMap, const HeldByName* held, Sight sight)
+      : view_(view),
+        policyMap_(policyMap),
+        held_(held),
+        sight_(sight),
+        defaultPath_(InvariantView::join(policyMap, {"defaultClassAction"})),
+        oldOwn_(ownDefaultName(view.before(defaultPath_))),
+        newOwn_(ownDefaultName(view.after(defaultPath_))) {
+    if (held != nullptr) {
+      for (const auto& [name, machine] : *held) {
+        ids_[name] = machine.gone ? "gone" : (machine.ownDefault ? "d/" : "m/") + name;
+      }
+    }
+  }
+
+  // The machine made afresh over the document after the transition: its
+  // default class action first, then its class actions.
+  void made() {
+    if (!followed(view_, policyMap_)) {
+      return;
+    }
+    ask(defaultAt(view_.after(defaultPath_), false));
+    for (const std::string& name : keysAfter(view_, InvariantView::join(policyMap_, {"classAction"}))) {
+      consider(name, memberId(name));
+    }
+  }
+
+  // The machine changed in place: the class maps that came or went first,
+  // while the policy map is as it was; then the policy map's class actions
+  // (deleted, then added), its classDefault (which asks for the default
+  // class action the policy map still holds) and its default class action.
+  void changed(const std::set<std::string>& classMaps) {
+    const Json* typeBefore = view_.before(InvariantView::join(policyMap_, {"type"}));
+    if (sight_.before && typeBefore != nullptr &&
+        invariantEnum<Qos::MapType>(*typeBefore) != Qos::mapControlPlane_) {
+      for (const std::string& name : classMaps) {
+        if (view_.before(classActionPath(policyMap_, name)) != nullptr) {
+          consider(name, "m/" + name);
+        }
+      }
+    }
+    if (!followed(view_, policyMap_)) {
+      return;
+    }
+    const std::vector<std::string> actions =
+        view_.changedMembers(InvariantView::join(policyMap_, {"classAction"}));
+    for (const std::string& name : actions) {
+      if (view_.after(classActionPath(policyMap_, name)) == nullptr && !isDropClass(name)) {
+        drop(name);
+      }
+    }
+    for (const std::string& name : actions) {
+      if (view_.before(classActionPath(policyMap_, name)) == nullptr) {
+        consider(name, memberId(name));
+      }
+    }
+    const Path classDefault = InvariantView::join(policyMap_, {"classDefault"});
+    const Json* newClassDefault = view_.after(classDefault);
+    if (view_.changed(classDefault) && newClassDefault != nullptr && newClassDefault->is_string()) {
+      ask(defaultAt(view_.before(defaultPath_), true));
+    }
+    const bool defaultReplaced = oldOwn_ || newOwn_ ? oldOwn_ != newOwn_ : view_.changed(defaultPath_);
+    if (defaultReplaced) {
+      ask(defaultAt(view_.after(defaultPath_), false));
+    }
+  }
+
+  // The action machines held after the transition, and the first conflict.
+  Replay result() const {
+    Replay result;
+    result.conflict = conflict_;
+    for (const auto& [name, id] : ids_) {
+      Held& machine = result.held[name];
+      if (id == "gone") {
+        machine = {held_->at(name).ownDefault, true};
+      } else if (id.starts_with("d/")) {
+        machine = {true, !id.ends_with("+") && !(oldOwn_ == name && newOwn_ == name)};
+      } else {
+        machine = {false, !id.ends_with("+") && view_.after(classActionPath(policyMap_, name)) == nullptr};
+      }
+    }
+    return result;
+  }
+
+ private:
+  // A request for an action machine: its name and the id of its entity.
   using Request = std::optional<std::pair<std::string, std::string>>;
-  const auto defaultAt = [&](const Json* value, bool before) -> Request {
+
+  std::string memberId(const std::string& name) const {
+    return "m/" + name + (view_.before(classActionPath(policyMap_, name)) != nullptr ? "" : "+");
+  }
+
+  // The request the default class action `value` makes, as it is before or
+  // after the transition.
+  Request defaultAt(const Json* value, bool before) const {
     if (const auto own = ownDefaultName(value)) {
-      return std::make_pair(*own, "d/" + *own + (before || oldOwn == own ? "" : "+"));
+      return std::make_pair(*own, "d/" + *own + (before || oldOwn_ == own ? "" : "+"));
     }
     if (value != nullptr && value->is_string()) {
-      const std::string& name = value->get_ref<const std::string&>();
+      const auto& name = value->get_ref<const std::string&>();
       return std::make_pair(name, before ? "m/" + name : memberId(name));
     }
     return std::nullopt;
-  };
-
-  std::map<std::string, std::string> ids;
-  if (held != nullptr) {
-    for (const auto& [name, machine] : *held) {
-      ids[name] = machine.gone ? "gone" : (machine.ownDefault ? "d/" : "m/") + name;
-    }
   }
-  Replay result;
-  const auto describe = [&](const std::string& name, const std::string& id) -> std::string {
+
+  std::string describe(const std::string& name, const std::string& id) const {
     if (id == "gone") {
-      return held->at(name).ownDefault ? "an earlier default class action" : "a deleted class action";
+      return held_->at(name).ownDefault ? "an earlier default class action" : "a deleted class action";
     }
     if (id.starts_with("d/")) {
       if (id.ends_with("+")) {
         return "its new default class action";
       }
-      return oldOwn == newOwn ? "its default class action" : "an earlier default class action";
+      return oldOwn_ == newOwn_ ? "its default class action" : "an earlier default class action";
     }
-    if (!id.ends_with("+") && view.after(classActionPath(policyMap, name)) == nullptr) {
+    if (!id.ends_with("+") && view_.after(classActionPath(policyMap_, name)) == nullptr) {
       return "a deleted class action";
     }
-    return "its class action " + InvariantView::pointerText(classActionPath(policyMap, name));
-  };
-  const auto ask = [&](const Request& request) {
-    if (!request || result.conflict) {
+    return "its class action " + InvariantView::pointerText(classActionPath(policyMap_, name));
+  }
+
+  void ask(const Request& request) {
+    if (!request || conflict_) {
       return;
     }
     const auto& [name, id] = *request;
-    const auto [machine, made] = ids.try_emplace(name, id);
+    const auto [machine, made] = ids_.try_emplace(name, id);
     if (!made && machine->second != id) {
-      result.conflict = "policy map " + InvariantView::pointerText(policyMap) + ": " + describe(name, id) +
-                        " cannot take the name \"" + name + "\" from " + describe(name, machine->second) +
-                        ", which the agent still holds (the class machine keeps an action machine until the "
-                        "policy map is rebuilt and cannot re-create it for another entity)";
+      conflict_ = "policy map " + InvariantView::pointerText(policyMap_) + ": " + describe(name, id) +
+                  " cannot take the name \"" + name + "\" from " + describe(name, machine->second) +
+                  ", which the agent still holds (the class machine keeps an action machine until the policy "
+                  "map is rebuilt and cannot re-create it for another entity)";
     }
-  };
-  const auto drop = [&](const std::string& name) {
-    if (!result.conflict) {
-      ids.erase(name);
+  }
+
+  void drop(const std::string& name) {
+    if (!conflict_) {
+      ids_.erase(name);
     }
-  };
+  }
+
   // A class action (re)considered: asked for when its class map exists, its
   // name's action machine dropped otherwise.
-  const auto consider = [&](const std::string& name, const std::string& id) {
+  void consider(const std::string& name, const std::string& id) {
     if (isDropClass(name)) {
       return;
     }
-    if (sight.after && classMapExistsAfter(view, policyMap, name)) {
+    if (sight_.after && classMapExistsAfter(view_, policyMap_, name)) {
       ask(std::make_pair(name, id));
     } else {
       drop(name);
     }
-  };
+  }
 
-  const bool follows = followed(view, policyMap);
-  const Path actions = InvariantView::join(policyMap, {"classAction"});
+  const InvariantView& view_;
+  const Path& policyMap_;
+  const HeldByName* held_;
+  Sight sight_;
+  Path defaultPath_;
+  std::optional<std::string> oldOwn_;
+  std::optional<std::string> newOwn_;
+  std::map<std::string, std::string> ids_;
+  std::optional<std::string> conflict_;
+};
+
+InvariantClassActions::Replay InvariantClassActions::replay(const InvariantView& view, const Path& policyMap,
+                                                            const HeldByName* held,
+                                                            const std::set<std::string>& classMaps,
+                                                            Sight sight) {
+  Replayer replayer(view, policyMap, held, sight);
   if (held == nullptr) {
-    if (follows) {
-      ask(defaultAt(view.after(defaultPath), false));
-      for (const std::string& name : keysAfter(view, actions)) {
-        consider(name, memberId(name));
-      }
-    }
+    replayer.made();
   } else {
-    // The class maps first, while the policy map is as it was.
-    const Json* typeBefore = view.before(InvariantView::join(policyMap, {"type"}));
-    if (sight.before && typeBefore != nullptr &&
-        invariantEnum<Qos::MapType>(*typeBefore) != Qos::mapControlPlane_) {
-      for (const std::string& name : classMaps) {
-        if (view.before(classActionPath(policyMap, name)) != nullptr) {
-          consider(name, "m/" + name);
-        }
-      }
-    }
-    if (follows) {
-      // Then the policy map's class actions (deleted, then added), its
-      // classDefault (which asks for the default class action it still
-      // holds) and its default class action.
-      const std::vector<std::string> changed = view.changedMembers(actions);
-      for (const std::string& name : changed) {
-        if (view.after(classActionPath(policyMap, name)) == nullptr && !isDropClass(name)) {
-          drop(name);
-        }
-      }
-      for (const std::string& name : changed) {
-        if (view.before(classActionPath(policyMap, name)) == nullptr) {
-          consider(name, memberId(name));
-        }
-      }
-      const Path classDefault = InvariantView::join(policyMap, {"classDefault"});
-      const Json* newClassDefault = view.after(classDefault);
-      if (view.changed(classDefault) && newClassDefault != nullptr && newClassDefault->is_string()) {
-        ask(defaultAt(view.before(defaultPath), true));
-      }
-      const bool defaultReplaced = oldOwn || newOwn ? oldOwn != newOwn : view.changed(defaultPath);
-      if (defaultReplaced) {
-        ask(defaultAt(view.after(defaultPath), false));
-      }
-    }
+    replayer.changed(classMaps);
   }
-
-  for (const auto& [name, id] : ids) {
-    Held& machine = result.held[name];
-    if (id == "gone") {
-      machine = {held->at(name).ownDefault, true};
-    } else if (id.starts_with("d/")) {
-      machine = {true, !id.ends_with("+") && !(oldOwn == name && newOwn == name)};
-    } else {
-      machine = {false, !id.ends_with("+") && view.after(classActionPath(policyMap, name)) == nullptr};
-    }
-  }
-  return result;
+  return replayer.result();
 }
 
 std::vector<InvariantClassActions::Reached> InvariantClassActions::reached(const InvariantView& view,

@@ -80,6 +80,7 @@ class InvariantClassActions {
     HeldByName held;
     std::optional<std::string> conflict;
   };
+  class Replayer;
 
   static Reach reachOf(const InvariantView& view, bool sliceAdded);
   // The policy map's class machine acts after the transition: its map type

@@ -47,8 +47,8 @@ std::string needs(const Path& hwPath, bool removing, const std::string& need) {
 InvariantCoppStatic::InvariantCoppStatic(const QosSnmp::QosMib& qosMib) : qosMib_(qosMib) {}
 
 const InvariantView::Path& InvariantCoppStatic::coppPolicyMapPath() {
-  static const Path path = {"qosStatus", "pmapType", kControlPlane, "pmap", QosSnmp::kCoppPolicyMapName};
-  return path;
+  static const Path kPath = {"qosStatus", "pmapType", kControlPlane, "pmap", QosSnmp::kCoppPolicyMapName};
+  return kPath;
 }
 
 InvariantCoppStatic::FiledClassMaps InvariantCoppStatic::filedInMib() const {

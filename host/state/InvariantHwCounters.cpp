@@ -32,6 +32,19 @@ const Json& membersAfter(const InvariantView& view, const Path& at) {
   return members != nullptr && members->is_object() ? *members : kNone;
 }
 
+// The refusal of hardware status at `hw` without its counters at
+// `counters`, which the transition `removed` or never were.
+std::string missingCounters(const Path& hw, const Path& counters, bool removed) {
+  const std::string hwText = InvariantView::pointerText(hw);
+  const std::string countersText = InvariantView::pointerText(counters);
+  if (removed) {
+    return "counters " + countersText + " are still needed by hardware status " + hwText +
+           ": remove the hardware status first (the statistics machine asserts the counters)";
+  }
+  return "hardware status " + hwText + " needs counters " + countersText +
+         " first (the statistics machine asserts them)";
+}
+
 }  // namespace
 
 std::optional<std::string> InvariantHwCounters::policyMapRefusal(const InvariantView& view,
@@ -64,15 +77,9 @@ std::optional<std::string> InvariantHwCounters::policyMapRefusal(const Invariant
     if (view.after(counters) != nullptr) {
       continue;
     }
-    const std::string hwText = InvariantView::pointerText(
-        {"sliceHwStatus", slice, "pmapTypeHwStatus", type, "pmap", key, "cmap", member.key()});
-    const std::string countersText = InvariantView::pointerText(counters);
-    if (view.before(counters) != nullptr) {
-      return "counters " + countersText + " are still needed by hardware status " + hwText +
-             ": remove the hardware status first (the statistics machine asserts the counters)";
-    }
-    return "hardware status " + hwText + " needs counters " + countersText +
-           " first (the statistics machine asserts them)";
+    return missingCounters(
+        {"sliceHwStatus", slice, "pmapTypeHwStatus", type, "pmap", key, "cmap", member.key()}, counters,
+        view.before(counters) != nullptr);
   }
   return std::nullopt;
 }

@@ -26,7 +26,7 @@ const char* const kKeyedByName =
 // the number of a type without one.
 std::string typeKeyOf(const Json* type) {
   if (type == nullptr) {
-    return std::string();
+    return {};
   }
   return type->is_string() ? type->get<std::string>() : type->dump();
 }
@@ -95,6 +95,34 @@ std::string conflictMessage(const InvariantView& view, const std::string& cmapNa
          InvariantView::pointerText(held) + kKeyedByName;
 }
 
+// The members of `collection` a change adds, changes or deletes, each with
+// whether it is deleted, in the order the loader delivers them: the deleted
+// ones first (each emptied before it leaves), then the others, in key order.
+std::vector<std::pair<std::string, bool>> deletedFirst(const InvariantView& view, const Path& collection) {
+  std::vector<std::pair<std::string, bool>> deleted;
+  std::vector<std::pair<std::string, bool>> others;
+  for (const std::string& name : view.changedMembers(collection)) {
+    const Path member = InvariantView::join(collection, {name});
+    const bool gone = view.before(member) != nullptr && view.after(member) == nullptr;
+    (gone ? deleted : others).emplace_back(name, gone);
+  }
+  deleted.insert(deleted.end(), others.begin(), others.end());
+  return deleted;
+}
+
+// The policy maps a change adds, changes or deletes, each with whether it
+// is deleted, in the order the loader delivers them.
+std::vector<std::pair<Path, bool>> policyMapsReached(const InvariantView& view) {
+  std::vector<std::pair<Path, bool>> policyMaps;
+  for (const auto& [type, typeGone] : deletedFirst(view, kPolicyMapTypes)) {
+    const Path inType = InvariantView::join(kPolicyMapTypes, {type, "pmap"});
+    for (const auto& [pmapName, gone] : deletedFirst(view, inType)) {
+      policyMaps.emplace_back(InvariantView::join(inType, {pmapName}), gone);
+    }
+  }
+  return policyMaps;
+}
+
 }  // namespace
 
 InvariantPolicerStats::InvariantPolicerStats(bool enabled) : enabled_(enabled) {}
@@ -154,10 +182,11 @@ std::optional<std::set<std::string>> InvariantPolicerStats::touched(const Invari
       const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
       if (view.before(policyMap) == nullptr || view.after(policyMap) == nullptr ||
           view.changed(InvariantView::join(policyMap, {"type"}))) {
-        for (const Json* object : {view.before(counters), view.after(counters)}) {
-          for (std::string& name : keysOf(object)) {
-            names.insert(std::move(name));
-          }
+        for (std::string& name : keysOf(view.before(counters))) {
+          names.insert(std::move(name));
+        }
+        for (std::string& name : keysOf(view.after(counters))) {
+          names.insert(std::move(name));
         }
         continue;
       }
@@ -175,6 +204,27 @@ std::optional<std::set<std::string>> InvariantPolicerStats::touched(const Invari
   return names;
 }
 
+void InvariantPolicerStats::replayPolicyMap(const InvariantView& view, Machines& machines,
+                                            const Path& policyMap, bool deleting,
+                                            std::optional<std::string>& conflict) {
+  const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
+  const Path type = InvariantView::join(policyMap, {"type"});
+  if (deleting || view.before(policyMap) == nullptr) {
+    // Every class, as it leaves (emptied first) or comes with its policy map.
+    for (const std::string& cmapName : keysOf(deleting ? view.before(counters) : view.after(counters))) {
+      look(view, machines, policyMap.back(), deleting ? view.before(type) : view.after(type), cmapName,
+           conflict);
+    }
+    return;
+  }
+  // The classes whose counters left, then those whose counters came.
+  for (const auto& [cmapName, left] : deletedFirst(view, counters)) {
+    if (left || view.before(InvariantView::join(counters, {cmapName})) == nullptr) {
+      look(view, machines, policyMap.back(), view.after(type), cmapName, conflict);
+    }
+  }
+}
+
 std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& view, Machines& machines) {
   std::optional<std::string> conflict;
   if (!statisticsOn(view)) {
@@ -183,51 +233,8 @@ std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& vi
     // The full scan (a build scans twice, alike).
     conflict = scan(view, machines, nullptr);
   } else if (view.reaches(kPolicyMapTypes)) {
-    // As the loader delivers it: members deleted (emptied first), then
-    // added or updated, in key order, at every level.
-    const auto gone = [&](const Path& at) { return view.before(at) != nullptr && view.after(at) == nullptr; };
-    // Every class of a policy map as it is before (leaving) or after (come).
-    const auto lookAll = [&](const Path& policyMap, bool before) {
-      const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
-      const Path type = InvariantView::join(policyMap, {"type"});
-      for (const std::string& cmapName : keysOf(before ? view.before(counters) : view.after(counters))) {
-        look(view, machines, policyMap.back(), before ? view.before(type) : view.after(type), cmapName,
-             conflict);
-      }
-    };
-    const std::vector<std::string> types = view.changedMembers(kPolicyMapTypes);
-    for (const bool deletingType : {true, false}) {
-      for (const std::string& type : types) {
-        const Path typeStatus = InvariantView::join(kPolicyMapTypes, {type});
-        if (gone(typeStatus) != deletingType) {
-          continue;
-        }
-        const Path policyMaps = InvariantView::join(typeStatus, {"pmap"});
-        const std::vector<std::string> names = view.changedMembers(policyMaps);
-        for (const bool deletingPmap : {true, false}) {
-          for (const std::string& pmapName : names) {
-            const Path policyMap = InvariantView::join(policyMaps, {pmapName});
-            if (gone(policyMap) != deletingPmap) {
-              continue;
-            }
-            if (deletingPmap || view.before(policyMap) == nullptr) {
-              lookAll(policyMap, deletingPmap);
-              continue;
-            }
-            const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
-            const Json* ownType = view.after(InvariantView::join(policyMap, {"type"}));
-            const std::vector<std::string> classes = view.changedMembers(counters);
-            for (const bool leaving : {true, false}) {
-              for (const std::string& cmapName : classes) {
-                const Path member = InvariantView::join(counters, {cmapName});
-                if (leaving ? gone(member) : view.before(member) == nullptr) {
-                  look(view, machines, pmapName, ownType, cmapName, conflict);
-                }
-              }
-            }
-          }
-        }
-      }
+    for (const auto& [policyMap, deleting] : policyMapsReached(view)) {
+      replayPolicyMap(view, machines, policyMap, deleting, conflict);
     }
   }
   // Counters leave only with a change at or above their own level.

@@ -86,6 +86,10 @@ class InvariantPolicerStats {
   // Replays the table's requests during the transition, in the order the
   // loader delivers the changes, on `machines`; the first conflict, if any.
   static std::optional<std::string> replay(const InvariantView& view, Machines& machines);
+  // The same for one policy map the transition adds, changes or deletes.
+  static void replayPolicyMap(const InvariantView& view, Machines& machines,
+                              const InvariantView::Path& policyMap, bool deleting,
+                              std::optional<std::string>& conflict);
 
   bool enabled_;
   Machines machines_;
