@@ -353,7 +353,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{R"({"op": "delete", "path": "/hwStatus/coppSupported", "value": true})",
                 "changes.jsonl:7: unknown key \"value\" in a delete change (expected \"op\", \"path\")"},
         BadLine{R"({"op": "advance", "seconds": -1})",
-                "changes.jsonl:7: \"seconds\": expected a number of seconds >= 0, got -1"},
+                "changes.jsonl:7: \"seconds\": expected a number of seconds from 0 to 86400, got -1"},
         BadLine{R"({"op": "set", "path": "hwStatus/coppSupported", "value": true})",
                 "changes.jsonl:7: \"path\": a JSON Pointer starts with '/', got \"hwStatus/coppSupported\""},
         BadLine{R"({"op": "set", "path": "/hwStatus/a~2b", "value": true})",
