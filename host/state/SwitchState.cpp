@@ -321,7 +321,7 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
                                    document_, before ? &*before : nullptr};
   try {
     if (stateSchema().root(rootNameOf(target.path))->type->holdsReferences) {
-      checkReferences(document_);
+      checkReferencesOfChange(document_, target.path, before ? &*before : nullptr);
     }
     if (guard_ != nullptr) {
       if (auto refusal = guard_->refusal(transition)) {
