@@ -116,8 +116,8 @@ bool ScaleBench::measureLoadChild(const std::string& stateFile, std::size_t& row
 bool ScaleBench::run(std::ostream& log) {
   const std::string empty = options_.workDir + "/empty.json";
   // The least the agent starts on: the control-plane policy map alone.
-  std::ofstream(empty) << R"({"qosStatus": {"pmapType": {"mapControlPlane": {"pmap": {"copp-system-policy": {}}}}}})"
-                       << '\n';
+  std::ofstream(empty)
+      << R"({"qosStatus": {"pmapType": {"mapControlPlane": {"pmap": {"copp-system-policy": {}}}}}})" << '\n';
   std::vector<long> emptyPeaks;
   for (int round = 0; round < options_.repeat; ++round) {
     const ProcessMeter::Run run = ProcessMeter::run({options_.agentProgram, "check", "--state", empty});

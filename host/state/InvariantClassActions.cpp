@@ -87,6 +87,10 @@ InvariantClassActions::Reach InvariantClassActions::reachOf(const InvariantView&
     } else {
       for (const std::string& name : view.changedMembers(InvariantView::join(typeStatus, {"pmap"}))) {
         const Path policyMap = policyMapPath(type, name);
+        if (view.within(InvariantView::join(policyMap, {"cmapCounters"}))) {
+          // The class machine does not watch counters.
+          continue;
+        }
         (view.after(policyMap) == nullptr ? reach.removedPolicyMaps : reach.changedPolicyMaps)
             .push_back(policyMap);
       }

@@ -237,9 +237,13 @@ std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& vi
       replayPolicyMap(view, machines, policyMap, deleting, conflict);
     }
   }
-  // Counters leave only with a change at or above their own level.
+  // Counters leave only with a change at or above their own level: a
+  // policy map or above, its cmapCounters, or the counters themselves.
   const std::size_t countersLevel = 7;  // /qosStatus/pmapType/<type>/pmap/<name>/cmapCounters/<class>
-  if (view.reaches(kPolicyMapTypes) && view.path().size() <= countersLevel) {
+  const std::size_t policyMapLevel = 5;
+  const Path& path = view.path();
+  const bool countersMayLeave = path.size() <= policyMapLevel || path[policyMapLevel] == "cmapCounters";
+  if (view.reaches(kPolicyMapTypes) && path.size() <= countersLevel && countersMayLeave) {
     for (auto& [cmapName, machine] : machines) {
       if (!machine.gone && view.after(machine.counters) == nullptr) {
         machine.gone = true;
