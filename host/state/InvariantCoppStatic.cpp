@@ -180,7 +180,15 @@ std::optional<std::string> InvariantCoppStatic::refusal(const InvariantView& vie
     return coppSupported && !added.empty() ? scanRefusal(view, added.back(), filedByBuild(view), true)
                                            : std::nullopt;
   }
-  const FiledClassMaps filed = filedInMib();
+  // What the MIB files is read only when a rule below needs it: most
+  // changes reach no static class.
+  std::optional<FiledClassMaps> filedNow;
+  const auto filed = [&]() -> const FiledClassMaps& {
+    if (!filedNow) {
+      filedNow = filedInMib();
+    }
+    return *filedNow;
+  };
   for (const std::string& name : added) {
     if (!pmapPresent) {
       return "slice " + InvariantView::pointerText({"sliceHwStatus", name}) +
@@ -188,7 +196,7 @@ std::optional<std::string> InvariantCoppStatic::refusal(const InvariantView& vie
              pmapText + " (the machine asserts it)";
     }
     if (coppSupported) {
-      if (auto refused = scanRefusal(view, name, filed, true)) {
+      if (auto refused = scanRefusal(view, name, filed(), true)) {
         return refused;
       }
     }
@@ -209,14 +217,14 @@ std::optional<std::string> InvariantCoppStatic::refusal(const InvariantView& vie
     const bool isPresent = view.after(hwPath) != nullptr;
     // A class changed in place (re-ranked) is notified like an added one.
     if (wasPresent || isPresent) {
-      if (auto refused = classRefusal(view, hwPath, type, filed, pmapFresh_, wasPresent && !isPresent)) {
+      if (auto refused = classRefusal(view, hwPath, type, filed(), pmapFresh_, wasPresent && !isPresent)) {
         return refused;
       }
     }
   }
   const Path coppSupportedPath = {"hwStatus", "coppSupported"};
   if (coppSupported && view.reaches(coppSupportedPath) && !view.flagBefore(coppSupportedPath)) {
-    return scanRefusal(view, *slice, filed, pmapFresh_);
+    return scanRefusal(view, *slice, filed(), pmapFresh_);
   }
   return std::nullopt;
 }

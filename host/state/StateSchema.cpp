@@ -733,6 +733,13 @@ void checkReferencesOfChange(const Json& document, const JsonPointer& changed, c
     return;
   }
   if (path[1] == "pmapType") {
+    // Inside a policy map, only its class default, its default class action
+    // and the class actions that one may name hold or meet a reference.
+    const bool referencing = path.size() < 6 || path[5] == "classDefault" ||
+                             path[5] == "defaultClassAction" || path[5] == "classAction";
+    if (path.size() >= 5 && path[3] == "pmap" && !referencing) {
+      return;
+    }
     if (path.size() >= 5 && path[3] == "pmap") {
       const JsonPointer at = root / "pmapType" / path[2] / "pmap" / path[4];
       if (const Json* value = objectAt(document, at)) {
