@@ -108,17 +108,19 @@ InvariantClassActions::Reach InvariantClassActions::reachOf(const InvariantView&
   return reach;
 }
 
-std::optional<std::string> InvariantClassActions::sameNameRefusal(const InvariantView& view,
-                                                                  const Path& policyMap) {
+std::optional<Refusal> InvariantClassActions::sameNameRefusal(const InvariantView& view,
+                                                              const Path& policyMap) {
   const auto own = ownDefaultName(view.after(InvariantView::join(policyMap, {"defaultClassAction"})));
   if (!own || isDropClass(*own) || view.after(classActionPath(policyMap, *own)) == nullptr ||
       !classMapExistsAfter(view, policyMap, *own)) {
     return std::nullopt;
   }
-  return "policy map " + InvariantView::pointerText(policyMap) + ": its own default class action \"" + *own +
-         "\" and its class action " + InvariantView::pointerText(classActionPath(policyMap, *own)) +
-         " would be two entities under one name (the class machine keys its action machines by name and "
-         "cannot re-create one for another entity)";
+  return Refusal{
+      InvariantView::pointerText(InvariantView::join(policyMap, {"defaultClassAction"})),
+      "policy map " + InvariantView::pointerText(policyMap) + ": its own default class action \"" + *own +
+          "\" and its class action " + InvariantView::pointerText(classActionPath(policyMap, *own)) +
+          " would be two entities under one name (the class machine keys its action machines by name and "
+          "cannot re-create one for another entity)"};
 }
 
 // One class machine's requests during one transition, replayed against the
@@ -256,10 +258,12 @@ class InvariantClassActions::Replayer {
     const auto& [name, id] = *request;
     const auto [machine, made] = ids_.try_emplace(name, id);
     if (!made && machine->second != id) {
-      conflict_ = "policy map " + InvariantView::pointerText(policyMap_) + ": " + describe(name, id) +
-                  " cannot take the name \"" + name + "\" from " + describe(name, machine->second) +
-                  ", which the agent still holds (the class machine keeps an action machine until the policy "
-                  "map is rebuilt and cannot re-create it for another entity)";
+      conflict_ = Refusal{
+          InvariantView::pointerText(policyMap_),
+          "policy map " + InvariantView::pointerText(policyMap_) + ": " + describe(name, id) +
+              " cannot take the name \"" + name + "\" from " + describe(name, machine->second) +
+              ", which the agent still holds (the class machine keeps an action machine until the policy "
+              "map is rebuilt and cannot re-create it for another entity)"};
     }
   }
 
@@ -290,7 +294,7 @@ class InvariantClassActions::Replayer {
   std::optional<std::string> oldOwn_;
   std::optional<std::string> newOwn_;
   std::map<std::string, std::string> ids_;
-  std::optional<std::string> conflict_;
+  std::optional<Refusal> conflict_;
 };
 
 InvariantClassActions::Replay InvariantClassActions::replay(const InvariantView& view, const Path& policyMap,
@@ -361,7 +365,7 @@ const InvariantClassActions::HeldByName* InvariantClassActions::heldOf(const Pat
   return held == held_.end() ? &kNone : &held->second;
 }
 
-std::optional<std::string> InvariantClassActions::refusal(const InvariantView& view, bool sliceAdded) const {
+std::optional<Refusal> InvariantClassActions::refusal(const InvariantView& view, bool sliceAdded) const {
   // Reached points into the reach: both stay alive for the loop.
   const Reach reach = reachOf(view, sliceAdded);
   for (const Reached& machine : reached(view, reach)) {

@@ -55,7 +55,7 @@ class InvariantClassActions {
  public:
   // `sliceAdded` when the transition adds a slice (every policy-map machine
   // is rebuilt).
-  std::optional<std::string> refusal(const InvariantView& view, bool sliceAdded) const;
+  std::optional<Refusal> refusal(const InvariantView& view, bool sliceAdded) const;
   void applied(const InvariantView& view, bool sliceAdded);
 
  private:
@@ -78,7 +78,7 @@ class InvariantClassActions {
   // One class machine's requests during the transition, replayed.
   struct Replay {
     HeldByName held;
-    std::optional<std::string> conflict;
+    std::optional<Refusal> conflict;
   };
   class Replayer;
 
@@ -98,8 +98,8 @@ class InvariantClassActions {
   // come or gone, seen as `sight` says.
   static Replay replay(const InvariantView& view, const InvariantView::Path& policyMap,
                        const HeldByName* held, const std::set<std::string>& classMaps, Sight sight);
-  static std::optional<std::string> sameNameRefusal(const InvariantView& view,
-                                                    const InvariantView::Path& policyMap);
+  static std::optional<Refusal> sameNameRefusal(const InvariantView& view,
+                                                const InvariantView::Path& policyMap);
   // Every policy map whose class machine the transition reaches, with the
   // class maps of its type that came or went (pointing into `reach`), and
   // whether it is made afresh.

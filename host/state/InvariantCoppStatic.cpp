@@ -103,10 +103,9 @@ InvariantCoppStatic::FiledClassMaps InvariantCoppStatic::filedByBuild(const Inva
   return filed;
 }
 
-std::optional<std::string> InvariantCoppStatic::classRefusal(const InvariantView& view, const Path& hwPath,
-                                                             const std::string& type,
-                                                             const FiledClassMaps& filed, bool pmapFresh,
-                                                             bool removing) {
+std::optional<Refusal> InvariantCoppStatic::classRefusal(const InvariantView& view, const Path& hwPath,
+                                                         const std::string& type, const FiledClassMaps& filed,
+                                                         bool pmapFresh, bool removing) {
   const auto staticType = invariantEnum<Qos::ClassMapCpStaticType>(Json(type));
   if (!staticType || *staticType == Qos::cpStaticDrop_) {
     return std::nullopt;
@@ -114,44 +113,48 @@ std::optional<std::string> InvariantCoppStatic::classRefusal(const InvariantView
   if (*staticType == Qos::cpStaticDefault_) {
     const std::string pmapText = InvariantView::pointerText(coppPolicyMapPath());
     if (!pmapFresh) {
-      return needs(hwPath, removing,
-                   "a default class, but the machine still holds the deleted " + pmapText +
-                       ", which has none until a slice is added") +
-             assertsClause(removing, "one");
+      return Refusal{InvariantView::pointerText(hwPath),
+                     needs(hwPath, removing,
+                           "a default class, but the machine still holds the deleted " + pmapText +
+                               ", which has none until a slice is added") +
+                         assertsClause(removing, "one")};
     }
     const Json* classDefault = view.after(InvariantView::join(coppPolicyMapPath(), {"classDefault"}));
     if (classDefault == nullptr || !classDefault->is_string()) {
-      return needs(hwPath, removing, "a default class (classDefault) of " + pmapText) +
-             assertsClause(removing, "one");
+      return Refusal{InvariantView::pointerText(hwPath),
+                     needs(hwPath, removing, "a default class (classDefault) of " + pmapText) +
+                         assertsClause(removing, "one")};
     }
     const Path cmapPath = {"qosStatus", "cmapType", kControlPlane, "cmap", classDefault->get<std::string>()};
     const Json* cpType = view.after(InvariantView::join(cmapPath, {"cpType"}));
     if (cpType == nullptr || invariantEnum<Qos::ClassMapCpType>(*cpType) != Qos::classMapCpStatic_) {
-      return needs(hwPath, removing,
-                   "the default class " + InvariantView::pointerText(cmapPath) +
-                       " of copp-system-policy to be a static control-plane class map, not " +
-                       valueText(cpType)) +
-             assertsClause(removing, "it");
+      return Refusal{InvariantView::pointerText(hwPath),
+                     needs(hwPath, removing,
+                           "the default class " + InvariantView::pointerText(cmapPath) +
+                               " of copp-system-policy to be a static control-plane class map, not " +
+                               valueText(cpType)) +
+                         assertsClause(removing, "it")};
     }
     return std::nullopt;
   }
   const auto entry = filed.find(*staticType);
   if (entry == filed.end()) {
-    return needs(hwPath, removing, "a static control-plane class map of cpStaticType " + type) +
-           assertsClause(removing, "one");
+    return Refusal{InvariantView::pointerText(hwPath),
+                   needs(hwPath, removing, "a static control-plane class map of cpStaticType " + type) +
+                       assertsClause(removing, "one")};
   }
   if (entry->second.cpType != Qos::classMapCpStatic_) {
-    return needs(hwPath, removing,
-                 "its class map \"" + entry->second.name + "\" to be a static control-plane class map, not " +
-                     entry->second.cpTypeText) +
-           assertsClause(removing, "it");
+    return Refusal{InvariantView::pointerText(hwPath),
+                   needs(hwPath, removing,
+                         "its class map \"" + entry->second.name +
+                             "\" to be a static control-plane class map, not " + entry->second.cpTypeText) +
+                       assertsClause(removing, "it")};
   }
   return std::nullopt;
 }
 
-std::optional<std::string> InvariantCoppStatic::scanRefusal(const InvariantView& view,
-                                                            const std::string& slice,
-                                                            const FiledClassMaps& filed, bool pmapFresh) {
+std::optional<Refusal> InvariantCoppStatic::scanRefusal(const InvariantView& view, const std::string& slice,
+                                                        const FiledClassMaps& filed, bool pmapFresh) {
   const Path classes = {"sliceHwStatus", slice, "cpStaticClassHwStatus"};
   const Json* present = view.after(classes);
   if (present == nullptr || !present->is_object()) {
@@ -166,16 +169,16 @@ std::optional<std::string> InvariantCoppStatic::scanRefusal(const InvariantView&
   return std::nullopt;
 }
 
-std::optional<std::string> InvariantCoppStatic::refusal(const InvariantView& view,
-                                                        const std::optional<std::string>& slice,
-                                                        const std::vector<std::string>& added) const {
+std::optional<Refusal> InvariantCoppStatic::refusal(const InvariantView& view,
+                                                    const std::optional<std::string>& slice,
+                                                    const std::vector<std::string>& added) const {
   const bool pmapPresent = view.after(coppPolicyMapPath()) != nullptr;
   const std::string pmapText = InvariantView::pointerText(coppPolicyMapPath());
   const bool coppSupported = view.flagAfter({"hwStatus", "coppSupported"});
   if (view.isBuild()) {
     if (!pmapPresent) {
-      return "no control-plane policy map " + pmapText +
-             " (the static control-plane machine asserts it when the agent starts)";
+      return Refusal{pmapText, "no control-plane policy map " + pmapText +
+                                   " (the static control-plane machine asserts it when the agent starts)"};
     }
     return coppSupported && !added.empty() ? scanRefusal(view, added.back(), filedByBuild(view), true)
                                            : std::nullopt;
@@ -191,9 +194,11 @@ std::optional<std::string> InvariantCoppStatic::refusal(const InvariantView& vie
   };
   for (const std::string& name : added) {
     if (!pmapPresent) {
-      return "slice " + InvariantView::pointerText({"sliceHwStatus", name}) +
-             " would rebuild the static control-plane machine without the control-plane policy map " +
-             pmapText + " (the machine asserts it)";
+      return Refusal{
+          InvariantView::pointerText({"sliceHwStatus", name}),
+          "slice " + InvariantView::pointerText({"sliceHwStatus", name}) +
+              " would rebuild the static control-plane machine without the control-plane policy map " +
+              pmapText + " (the machine asserts it)"};
     }
     if (coppSupported) {
       if (auto refused = scanRefusal(view, name, filed(), true)) {

@@ -57,8 +57,8 @@ class InvariantCoppStatic {
 
   // `slice` is the slice the agent watched before the transition, `added`
   // the slices it adds (every slice, for a build), in key order.
-  std::optional<std::string> refusal(const InvariantView& view, const std::optional<std::string>& slice,
-                                     const std::vector<std::string>& added) const;
+  std::optional<Refusal> refusal(const InvariantView& view, const std::optional<std::string>& slice,
+                                 const std::vector<std::string>& added) const;
   void applied(const InvariantView& view, const std::vector<std::string>& added);
 
   // The control-plane policy map's location.
@@ -79,12 +79,12 @@ class InvariantCoppStatic {
   // Why the machine would assert on handling static class `type` reported at
   // `hwPath`; `removing` when the class leaves, `pmapFresh` when the machine
   // holds the document's control-plane policy map.
-  static std::optional<std::string> classRefusal(const InvariantView& view, const InvariantView::Path& hwPath,
-                                                 const std::string& type, const FiledClassMaps& filed,
-                                                 bool pmapFresh, bool removing);
+  static std::optional<Refusal> classRefusal(const InvariantView& view, const InvariantView::Path& hwPath,
+                                             const std::string& type, const FiledClassMaps& filed,
+                                             bool pmapFresh, bool removing);
   // The same for every class the slice reports (a full scan).
-  static std::optional<std::string> scanRefusal(const InvariantView& view, const std::string& slice,
-                                                const FiledClassMaps& filed, bool pmapFresh);
+  static std::optional<Refusal> scanRefusal(const InvariantView& view, const std::string& slice,
+                                            const FiledClassMaps& filed, bool pmapFresh);
 
   const QosSnmp::QosMib& qosMib_;
   bool pmapFresh_ = true;

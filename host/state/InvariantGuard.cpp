@@ -14,7 +14,7 @@ std::vector<std::string> addedSlices(const InvariantView& view) {
 InvariantGuard::InvariantGuard(const QosSnmp::QosMib& qosMib, bool policerStatsTable)
     : coppStatic_(qosMib), policerStats_(policerStatsTable) {}
 
-std::optional<std::string> InvariantGuard::refusal(const StateTransition& transition) {
+std::optional<Refusal> InvariantGuard::refusal(const StateTransition& transition) {
   const InvariantView view(transition);
   const std::vector<std::string> added = addedSlices(view);
   const std::optional<std::string> sliceBefore = view.isBuild() ? std::nullopt : slice_;

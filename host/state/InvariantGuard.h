@@ -66,7 +66,7 @@ class InvariantGuard : public StateGuard {
   // statistics table, as the agent reads it.
   InvariantGuard(const QosSnmp::QosMib& qosMib, bool policerStatsTable);
 
-  std::optional<std::string> refusal(const StateTransition& transition) override;
+  std::optional<Refusal> refusal(const StateTransition& transition) override;
   void applied(const StateTransition& transition) override;
 
   // The slice the agent watches, as far as the guard has seen; nullopt

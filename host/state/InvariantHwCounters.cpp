@@ -34,24 +34,24 @@ const Json& membersAfter(const InvariantView& view, const Path& at) {
 
 // The refusal of hardware status at `hw` without its counters at
 // `counters`, which the transition `removed` or never were.
-std::string missingCounters(const Path& hw, const Path& counters, bool removed) {
+Refusal missingCounters(const Path& hw, const Path& counters, bool removed) {
   const std::string hwText = InvariantView::pointerText(hw);
   const std::string countersText = InvariantView::pointerText(counters);
   if (removed) {
-    return "counters " + countersText + " are still needed by hardware status " + hwText +
-           ": remove the hardware status first (the statistics machine asserts the counters)";
+    return {countersText,
+            "counters " + countersText + " are still needed by hardware status " + hwText +
+                ": remove the hardware status first (the statistics machine asserts the counters)"};
   }
-  return "hardware status " + hwText + " needs counters " + countersText +
-         " first (the statistics machine asserts them)";
+  return {hwText, "hardware status " + hwText + " needs counters " + countersText +
+                      " first (the statistics machine asserts them)"};
 }
 
 }  // namespace
 
-std::optional<std::string> InvariantHwCounters::policyMapRefusal(const InvariantView& view,
-                                                                 const std::string& slice,
-                                                                 const std::string& type,
-                                                                 const std::string& key,
-                                                                 const Json& policyMap) {
+std::optional<Refusal> InvariantHwCounters::policyMapRefusal(const InvariantView& view,
+                                                             const std::string& slice,
+                                                             const std::string& type, const std::string& key,
+                                                             const Json& policyMap) {
   if (invariantEnum<Qos::MapType>(Json(type)) == Qos::mapPbr_) {
     return std::nullopt;
   }
@@ -84,9 +84,9 @@ std::optional<std::string> InvariantHwCounters::policyMapRefusal(const Invariant
   return std::nullopt;
 }
 
-std::optional<std::string> InvariantHwCounters::refusal(const InvariantView& view,
-                                                        const std::optional<std::string>& slice,
-                                                        bool sliceChanged) const {
+std::optional<Refusal> InvariantHwCounters::refusal(const InvariantView& view,
+                                                    const std::optional<std::string>& slice,
+                                                    bool sliceChanged) const {
   if (!slice) {
     return std::nullopt;
   }

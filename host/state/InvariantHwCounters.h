@@ -43,14 +43,14 @@ class InvariantHwCounters {
   // `slice` is the slice the agent watches after the transition;
   // `sliceChanged` when the transition makes it watch another one (or
   // builds the agent).
-  std::optional<std::string> refusal(const InvariantView& view, const std::optional<std::string>& slice,
-                                     bool sliceChanged) const;
+  std::optional<Refusal> refusal(const InvariantView& view, const std::optional<std::string>& slice,
+                                 bool sliceChanged) const;
 
  private:
   // The hardware policy map `key` of map type `type` on `slice`, judged.
-  static std::optional<std::string> policyMapRefusal(const InvariantView& view, const std::string& slice,
-                                                     const std::string& type, const std::string& key,
-                                                     const InvariantView::Json& policyMap);
+  static std::optional<Refusal> policyMapRefusal(const InvariantView& view, const std::string& slice,
+                                                 const std::string& type, const std::string& key,
+                                                 const InvariantView::Json& policyMap);
 };
 
 }  // namespace QosSnmpHost

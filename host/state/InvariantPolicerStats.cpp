@@ -81,18 +81,19 @@ bool counted(const InvariantView& view, const std::string& pmapName, const std::
 // Why asking for the machine of `cmapName` with the counters at `asked`
 // fails while the agent holds one made from `held` (gone: those counters
 // have left the document).
-std::string conflictMessage(const InvariantView& view, const std::string& cmapName, const Path& asked,
-                            const Path& held, bool gone) {
+Refusal conflictRefusal(const InvariantView& view, const std::string& cmapName, const Path& asked,
+                        const Path& held, bool gone) {
   // held = /qosStatus/pmapType/<type>/pmap/<name>/cmapCounters/<class>
   if (!gone && counted(view, held[4], held[2], cmapName)) {
-    return "counters " + InvariantView::pointerText(held) + " and " + InvariantView::pointerText(asked) +
-           " count class map \"" + cmapName + "\" under two policy maps" + kKeyedByName;
+    return {InvariantView::pointerText(asked), "counters " + InvariantView::pointerText(held) + " and " +
+                                                   InvariantView::pointerText(asked) + " count class map \"" +
+                                                   cmapName + "\" under two policy maps" + kKeyedByName};
   }
-  return "counters " + InvariantView::pointerText(asked) +
-         " would re-create the policer statistics machine of "
-         "class map \"" +
-         cmapName + "\", which the agent still holds for the " + (gone ? "removed " : "") + "counters " +
-         InvariantView::pointerText(held) + kKeyedByName;
+  return {InvariantView::pointerText(asked),
+          "counters " + InvariantView::pointerText(asked) +
+              " would re-create the policer statistics machine of class map \"" + cmapName +
+              "\", which the agent still holds for the " + (gone ? "removed " : "") + "counters " +
+              InvariantView::pointerText(held) + kKeyedByName};
 }
 
 // The members of `collection` a change adds, changes or deletes, each with
@@ -134,7 +135,7 @@ bool InvariantPolicerStats::statisticsOn(const InvariantView& view) {
 
 void InvariantPolicerStats::look(const InvariantView& view, Machines& machines, const std::string& pmapName,
                                  const Json* ownTypeValue, const std::string& cmapName,
-                                 std::optional<std::string>& conflict) {
+                                 std::optional<Refusal>& conflict) {
   const std::string ownType = typeKeyOf(ownTypeValue);
   if (conflict || !counted(view, pmapName, ownType, cmapName)) {
     return;
@@ -146,13 +147,13 @@ void InvariantPolicerStats::look(const InvariantView& view, Machines& machines, 
   }
   const auto [held, made] = machines.try_emplace(cmapName, Machine{looked, false});
   if (!made && (held->second.gone || held->second.counters != looked)) {
-    conflict = conflictMessage(view, cmapName, looked, held->second.counters, held->second.gone);
+    conflict = conflictRefusal(view, cmapName, looked, held->second.counters, held->second.gone);
   }
 }
 
-std::optional<std::string> InvariantPolicerStats::scan(const InvariantView& view, Machines& machines,
-                                                       const std::set<std::string>* names) {
-  std::optional<std::string> conflict;
+std::optional<Refusal> InvariantPolicerStats::scan(const InvariantView& view, Machines& machines,
+                                                   const std::set<std::string>* names) {
+  std::optional<Refusal> conflict;
   for (const std::string& key : typesInOrder(view)) {
     const Path policyMaps = InvariantView::join(kPolicyMapTypes, {key, "pmap"});
     for (const std::string& pmapName : keysOf(view.after(policyMaps))) {
@@ -206,7 +207,7 @@ std::optional<std::set<std::string>> InvariantPolicerStats::touched(const Invari
 
 void InvariantPolicerStats::replayPolicyMap(const InvariantView& view, Machines& machines,
                                             const Path& policyMap, bool deleting,
-                                            std::optional<std::string>& conflict) {
+                                            std::optional<Refusal>& conflict) {
   const Path counters = InvariantView::join(policyMap, {"cmapCounters"});
   const Path type = InvariantView::join(policyMap, {"type"});
   if (deleting || view.before(policyMap) == nullptr) {
@@ -225,8 +226,8 @@ void InvariantPolicerStats::replayPolicyMap(const InvariantView& view, Machines&
   }
 }
 
-std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& view, Machines& machines) {
-  std::optional<std::string> conflict;
+std::optional<Refusal> InvariantPolicerStats::replay(const InvariantView& view, Machines& machines) {
+  std::optional<Refusal> conflict;
   if (!statisticsOn(view)) {
     // Nothing is looked at; counters that leave leave their machine behind.
   } else if (view.isBuild() || view.changed(kPollPeriod)) {
@@ -253,7 +254,7 @@ std::optional<std::string> InvariantPolicerStats::replay(const InvariantView& vi
   return conflict;
 }
 
-std::optional<std::string> InvariantPolicerStats::refusal(const InvariantView& view) const {
+std::optional<Refusal> InvariantPolicerStats::refusal(const InvariantView& view) const {
   if (!enabled_) {
     return std::nullopt;
   }

@@ -53,7 +53,7 @@ class InvariantPolicerStats {
   // reads it.
   explicit InvariantPolicerStats(bool enabled);
 
-  std::optional<std::string> refusal(const InvariantView& view) const;
+  std::optional<Refusal> refusal(const InvariantView& view) const;
   void applied(const InvariantView& view);
 
  private:
@@ -74,22 +74,22 @@ class InvariantPolicerStats {
   // conflicting request.
   static void look(const InvariantView& view, Machines& machines, const std::string& pmapName,
                    const InvariantView::Json* ownType, const std::string& cmapName,
-                   std::optional<std::string>& conflict);
+                   std::optional<Refusal>& conflict);
   // The table's full scan of the document after the transition, for the
   // classes in `names` (all when null); the first conflict, if any.
-  static std::optional<std::string> scan(const InvariantView& view, Machines& machines,
-                                         const std::set<std::string>* names);
+  static std::optional<Refusal> scan(const InvariantView& view, Machines& machines,
+                                     const std::set<std::string>* names);
   // The class-map names whose counting the transition may change; nullopt
   // for all of them.
   static std::optional<std::set<std::string>> touched(const InvariantView& view);
   static bool statisticsOn(const InvariantView& view);
   // Replays the table's requests during the transition, in the order the
   // loader delivers the changes, on `machines`; the first conflict, if any.
-  static std::optional<std::string> replay(const InvariantView& view, Machines& machines);
+  static std::optional<Refusal> replay(const InvariantView& view, Machines& machines);
   // The same for one policy map the transition adds, changes or deletes.
   static void replayPolicyMap(const InvariantView& view, Machines& machines,
                               const InvariantView::Path& policyMap, bool deleting,
-                              std::optional<std::string>& conflict);
+                              std::optional<Refusal>& conflict);
 
   bool enabled_;
   Machines machines_;

@@ -25,6 +25,15 @@
 
 namespace QosSnmpHost {
 
+// Why the guard refuses a transition: the rule it would break, and the value
+// of the document that breaks it (its JSON Pointer). A change is reported at
+// its own path; a build at this one, so that the operator finds the value in
+// the document.
+struct Refusal {
+  std::string path;
+  std::string message;
+};
+
 // One accepted-so-far change, before it touches an entity.
 struct StateTransition {
   enum class Kind { build, set, del };
@@ -42,9 +51,8 @@ class StateGuard {
  public:
   virtual ~StateGuard() = default;
 
-  // A message naming the rule the transition would break, or nullopt to let
-  // it through.
-  virtual std::optional<std::string> refusal(const StateTransition& transition) = 0;
+  // The rule the transition would break, or nullopt to let it through.
+  virtual std::optional<Refusal> refusal(const StateTransition& transition) = 0;
 
   // Called after the transition has been applied to the entities.
   virtual void applied(const StateTransition& /*transition*/) {}

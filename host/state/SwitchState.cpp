@@ -76,6 +76,8 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   std::vector<Kel::Ptr<Kel::Entity>> roots_;
   StateGuard* guard_ = nullptr;
   std::string file_;
+  // Loaded by loadFile(): build refusals read the file again for a line.
+  bool fromFile_ = false;
   InputLimits limits_;
 
   Change applyChange(const Json& line);
@@ -156,7 +158,11 @@ Result<SwitchState> SwitchState::loadFile(const std::string& path, const InputLi
   }
   std::ostringstream text;
   text << in.rdbuf();
-  return loadText(text.str(), path, limits);
+  auto loaded = loadText(text.str(), path, limits);
+  if (loaded) {
+    loaded->impl_->fromFile_ = true;
+  }
+  return loaded;
 }
 
 void SwitchState::guardIs(StateGuard* guard) { impl_->guard_ = guard; }
@@ -167,7 +173,17 @@ std::optional<LoadError> SwitchState::checkBuild() const {
   }
   const StateTransition transition{StateTransition::Kind::build, JsonPointer(), impl_->document_, nullptr};
   if (auto refusal = impl_->guard_->refusal(transition)) {
-    return LoadError{impl_->file_, 0, std::nullopt, "refused: " + *refusal};
+    // The document's line of the value refused: read again from the file,
+    // since the text is not kept once loaded.
+    int line = 0;
+    if (impl_->fromFile_) {
+      std::ifstream in(impl_->file_, std::ios::binary);
+      std::ostringstream text;
+      text << in.rdbuf();
+      // A value the document lacks altogether is found at its start.
+      line = std::max(1, JsonLineIndex(text.str()).lineOf(JsonPointer(refusal->path)));
+    }
+    return LoadError{impl_->file_, line, refusal->path, "refused: " + refusal->message};
   }
   return std::nullopt;
 }
@@ -325,7 +341,7 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
     }
     if (guard_ != nullptr) {
       if (auto refusal = guard_->refusal(transition)) {
-        throw SchemaError{target.path, "refused: " + *refusal};
+        throw SchemaError{target.path, "refused: " + refusal->message};
       }
     }
   } catch (const SchemaError&) {

@@ -269,11 +269,12 @@ class RecordingGuard : public QosSnmpHost::StateGuard {
  public:
   explicit RecordingGuard(const SwitchState* state) : state_(state) {}
 
-  std::optional<std::string> refusal(const StateTransition& transition) override {
+  std::optional<QosSnmpHost::Refusal> refusal(const StateTransition& transition) override {
     seen.push_back(transition.path.to_string() +
                    " before=" + (transition.before ? transition.before->dump() : "none") +
                    " after=" + transition.after.at(transition.path).dump());
-    return refuse ? std::optional<std::string>("copp-system-policy must stay") : std::nullopt;
+    return refuse ? std::optional<QosSnmpHost::Refusal>({"/elsewhere", "copp-system-policy must stay"})
+                  : std::nullopt;
   }
   void applied(const StateTransition& /*transition*/) override {
     appliedSawCopp = state_->hwStatus()->coppSupported();

@@ -132,7 +132,11 @@ TEST(InvariantPolicerStatsTest, WithThePolicerTableOffNothingIsRefused) {
                               nullptr};
   const InvariantView view(build);
   EXPECT_EQ(InvariantPolicerStats(false).refusal(view), std::nullopt);
-  EXPECT_EQ(InvariantPolicerStats(true).refusal(view), kCoppAclTwice);
+  const auto refused = InvariantPolicerStats(true).refusal(view);
+  ASSERT_TRUE(refused);
+  EXPECT_EQ(refused->message, kCoppAclTwice);
+  // A build is reported at the counters that would re-create the machine.
+  EXPECT_EQ(refused->path, "/qosStatus/pmapType/mapQos/pmap/pm2/cmapCounters/copp-acl");
 }
 
 }  // namespace

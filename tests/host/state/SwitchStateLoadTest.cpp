@@ -276,11 +276,14 @@ INSTANTIATE_TEST_SUITE_P(
 
 class RefusingGuard : public QosSnmpHost::StateGuard {
  public:
-  std::optional<std::string> refusal(const QosSnmpHost::StateTransition& transition) override {
+  std::optional<QosSnmpHost::Refusal> refusal(const QosSnmpHost::StateTransition& transition) override {
     ++asked;
     sawBuild = transition.kind == QosSnmpHost::StateTransition::Kind::build && transition.before == nullptr &&
                transition.path.empty() && transition.after.contains("qosStatus");
-    return refuse ? std::optional<std::string>("no control-plane policy map") : std::nullopt;
+    return refuse ? std::optional<QosSnmpHost::Refusal>(
+                        {"/qosStatus/pmapType/mapControlPlane/pmap/copp-system-policy",
+                         "no control-plane policy map"})
+                  : std::nullopt;
   }
   void applied(const QosSnmpHost::StateTransition& /*transition*/) override { ++appliedCount; }
 
@@ -296,7 +299,12 @@ TEST(SwitchStateLoadTest, CheckBuildReportsTheGuardsRefusal) {
   state.guardIs(&guard);
   const auto refused = state.checkBuild();
   ASSERT_TRUE(refused);
-  EXPECT_EQ(refused->text(), "switch.json: refused: no control-plane policy map");
+  // The refusal names the value it is about; a document loaded from text
+  // has no file to find its line in.
+  EXPECT_EQ(
+      refused->text(),
+      "switch.json: /qosStatus/pmapType/mapControlPlane/pmap/copp-system-policy: refused: no control-plane "
+      "policy map");
   EXPECT_TRUE(guard.sawBuild);
 }
 
