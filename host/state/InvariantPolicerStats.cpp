@@ -1,6 +1,7 @@
 #include "host/state/InvariantPolicerStats.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 #include "QosSnmp/copp/CoppClassMaps.h"
@@ -145,9 +146,11 @@ void InvariantPolicerStats::look(const InvariantView& view, Machines& machines, 
     machines.erase(cmapName);
     return;
   }
-  const auto [held, made] = machines.try_emplace(cmapName, Machine{looked, false});
-  if (!made && (held->second.gone || held->second.counters != looked)) {
-    conflict = conflictRefusal(view, cmapName, looked, held->second.counters, held->second.gone);
+  const Machine* held = machines.find(cmapName);
+  if (held == nullptr) {
+    machines.put(cmapName, Machine{looked, false});
+  } else if (held->gone || held->counters != looked) {
+    conflict = conflictRefusal(view, cmapName, looked, held->counters, held->gone);
   }
 }
 
@@ -245,16 +248,12 @@ std::optional<Refusal> InvariantPolicerStats::replay(const InvariantView& view, 
   const Path& path = view.path();
   const bool countersMayLeave = path.size() <= policyMapLevel || path[policyMapLevel] == "cmapCounters";
   if (view.reaches(kPolicyMapTypes) && path.size() <= countersLevel && countersMayLeave) {
-    for (auto& [cmapName, machine] : machines) {
-      if (!machine.gone && view.after(machine.counters) == nullptr) {
-        machine.gone = true;
-      }
-    }
+    machines.leaveUnder(view, path);
   }
   return conflict;
 }
 
-std::optional<Refusal> InvariantPolicerStats::refusal(const InvariantView& view) const {
+std::optional<Refusal> InvariantPolicerStats::refusal(const InvariantView& view) {
   if (!enabled_) {
     return std::nullopt;
   }
@@ -262,14 +261,15 @@ std::optional<Refusal> InvariantPolicerStats::refusal(const InvariantView& view)
   if (names && names->empty()) {
     return std::nullopt;
   }
-  Machines machines = machines_;
-  if (auto conflict = replay(view, machines)) {
-    return conflict;
-  }
+  std::optional<Refusal> conflict = replay(view, machines_);
   // The next full scan (the poll period changing to a finite value) must
   // not conflict either: an infinite period, or a class no longer counted,
   // only delays the failure to it.
-  return scan(view, machines, names ? &*names : nullptr);
+  if (!conflict) {
+    conflict = names ? scanNamed(view, machines_, *names) : scan(view, machines_, nullptr);
+  }
+  machines_.rollback();
+  return conflict;
 }
 
 void InvariantPolicerStats::applied(const InvariantView& view) {
@@ -282,6 +282,161 @@ void InvariantPolicerStats::applied(const InvariantView& view) {
   if (view.isBuild() || view.reaches(kPollPeriod) || view.reaches(kPolicyMapTypes)) {
     replay(view, machines_);
   }
+  machines_.commit();
+  recount(view);
+}
+
+const InvariantPolicerStats::Machine* InvariantPolicerStats::Machines::find(const std::string& name) const {
+  const auto it = held_.find(name);
+  return it == held_.end() ? nullptr : &it->second;
+}
+
+void InvariantPolicerStats::Machines::remember(const std::string& name) {
+  const Machine* machine = find(name);
+  undo_.emplace_back(name, machine == nullptr ? std::nullopt : std::optional<Machine>(*machine));
+}
+
+void InvariantPolicerStats::Machines::set(const std::string& name, const std::optional<Machine>& machine) {
+  if (const auto it = held_.find(name); it != held_.end()) {
+    byCounters_.erase(it->second.counters);
+    held_.erase(it);
+  }
+  if (machine) {
+    held_.emplace(name, *machine);
+    byCounters_.emplace(machine->counters, name);
+  }
+}
+
+void InvariantPolicerStats::Machines::put(const std::string& name, Machine machine) {
+  remember(name);
+  set(name, std::move(machine));
+}
+
+void InvariantPolicerStats::Machines::erase(const std::string& name) {
+  if (find(name) != nullptr) {
+    remember(name);
+    set(name, std::nullopt);
+  }
+}
+
+void InvariantPolicerStats::Machines::leaveUnder(const InvariantView& view, const Path& at) {
+  std::vector<std::string> leaving;
+  for (auto it = byCounters_.lower_bound(at); it != byCounters_.end() && it->first.size() >= at.size() &&
+                                              std::equal(at.begin(), at.end(), it->first.begin());
+       ++it) {
+    const Machine& machine = held_.at(it->second);
+    if (!machine.gone && view.after(machine.counters) == nullptr) {
+      leaving.push_back(it->second);
+    }
+  }
+  for (const std::string& name : leaving) {
+    Machine machine = *find(name);
+    machine.gone = true;
+    put(name, std::move(machine));
+  }
+}
+
+void InvariantPolicerStats::Machines::clear() {
+  held_.clear();
+  byCounters_.clear();
+  undo_.clear();
+}
+
+void InvariantPolicerStats::Machines::rollback() {
+  for (auto it = undo_.rbegin(); it != undo_.rend(); ++it) {
+    set(it->first, it->second);
+  }
+  undo_.clear();
+}
+
+std::set<std::pair<std::string, std::string>> InvariantPolicerStats::policyMapsAt(const InvariantView& view,
+                                                                                  bool after) {
+  std::set<std::pair<std::string, std::string>> policyMaps;
+  const Path& path = view.path();
+  const auto read = [&](const Path& at) { return after ? view.after(at) : view.before(at); };
+  if (!view.isBuild() && path.size() >= 5 && path[0] == "qosStatus" && path[1] == "pmapType" &&
+      path[3] == "pmap") {
+    if (read(InvariantView::join(kPolicyMapTypes, {path[2], "pmap", path[4]})) != nullptr) {
+      policyMaps.emplace(path[2], path[4]);
+    }
+    return policyMaps;
+  }
+  const bool onPolicyMaps = view.isBuild() || path.empty() ||
+                            (path[0] == "qosStatus" && (path.size() == 1 || path[1] == "pmapType"));
+  if (!onPolicyMaps) {
+    return policyMaps;
+  }
+  for (const std::string& type : keysOf(read(kPolicyMapTypes))) {
+    if (view.isBuild() || path.size() < 3 || path[2] == type) {
+      for (const std::string& name : keysOf(read(InvariantView::join(kPolicyMapTypes, {type, "pmap"})))) {
+        policyMaps.emplace(type, name);
+      }
+    }
+  }
+  return policyMaps;
+}
+
+void InvariantPolicerStats::recount(const InvariantView& view) {
+  if (view.isBuild()) {
+    countedBy_.clear();
+  } else if (!view.reaches(kPolicyMapTypes)) {
+    return;
+  }
+  const auto countersOf = [&](const std::pair<std::string, std::string>& policyMap, bool after) {
+    const Path counters =
+        InvariantView::join(kPolicyMapTypes, {policyMap.first, "pmap", policyMap.second, "cmapCounters"});
+    return keysOf(after ? view.after(counters) : view.before(counters));
+  };
+  if (!view.isBuild()) {
+    for (const auto& policyMap : policyMapsAt(view, false)) {
+      for (const std::string& name : countersOf(policyMap, false)) {
+        const auto it = countedBy_.find(name);
+        if (it != countedBy_.end() && it->second.erase(policyMap) != 0 && it->second.empty()) {
+          countedBy_.erase(it);
+        }
+      }
+    }
+  }
+  for (const auto& policyMap : policyMapsAt(view, true)) {
+    for (const std::string& name : countersOf(policyMap, true)) {
+      countedBy_[name].insert(policyMap);
+    }
+  }
+}
+
+std::optional<Refusal> InvariantPolicerStats::scanNamed(const InvariantView& view, Machines& machines,
+                                                        const std::set<std::string>& names) const {
+  // The classes the full scan would look at among `names`, in its order:
+  // map types by number, then policy maps, then classes, by name.
+  const std::set<std::pair<std::string, std::string>> reached = policyMapsAt(view, true);
+  std::set<std::tuple<unsigned long long, std::string, std::string, std::string>> looked;
+  const auto typeNumber = [](const std::string& key) {
+    const auto type = invariantEnum<Qos::MapType>(Json(key));
+    return type ? static_cast<unsigned long long>(*type) : ~0ULL;
+  };
+  const auto consider = [&](const std::pair<std::string, std::string>& policyMap, const std::string& name) {
+    if (view.after(countersPath(policyMap.first, policyMap.second, name)) != nullptr) {
+      looked.emplace(typeNumber(policyMap.first), policyMap.first, policyMap.second, name);
+    }
+  };
+  for (const std::string& name : names) {
+    if (const auto it = countedBy_.find(name); it != countedBy_.end()) {
+      for (const auto& policyMap : it->second) {
+        if (reached.count(policyMap) == 0) {
+          consider(policyMap, name);
+        }
+      }
+    }
+    for (const auto& policyMap : reached) {
+      consider(policyMap, name);
+    }
+  }
+  std::optional<Refusal> conflict;
+  for (const auto& [number, type, pmapName, cmapName] : looked) {
+    const Json* ownType = view.after(InvariantView::join(kPolicyMapTypes, {type, "pmap", pmapName, "type"}));
+    look(view, machines, pmapName, ownType, cmapName, conflict);
+  }
+  return conflict;
 }
 
 }  // namespace QosSnmpHost

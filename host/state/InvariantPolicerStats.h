@@ -53,7 +53,8 @@ class InvariantPolicerStats {
   // reads it.
   explicit InvariantPolicerStats(bool enabled);
 
-  std::optional<Refusal> refusal(const InvariantView& view) const;
+  // Not const: the replay runs on the shadow state and is rolled back.
+  std::optional<Refusal> refusal(const InvariantView& view);
   void applied(const InvariantView& view);
 
  private:
@@ -65,7 +66,37 @@ class InvariantPolicerStats {
     bool gone = false;  // those counters have left the document
   };
 
-  using Machines = std::map<std::string, Machine>;
+  // The machines by class-map name, indexed by their counters too, with an
+  // undo journal: a refusal replays a transition on them and rolls it back
+  // instead of copying them all, and the counters a change can remove are
+  // found by their path, so both cost what the change reaches.
+  class Machines {
+   public:
+    const Machine* find(const std::string& name) const;
+    void put(const std::string& name, Machine machine);
+    void erase(const std::string& name);
+    // Marks gone the machines whose counters lie at or below `at` and are
+    // absent after the transition.
+    void leaveUnder(const InvariantView& view, const InvariantView::Path& at);
+    void clear();
+    // Undoes every change since the last commit().
+    void rollback();
+    void commit() { undo_.clear(); }
+
+   private:
+    void remember(const std::string& name);
+    void set(const std::string& name, const std::optional<Machine>& machine);
+
+    std::map<std::string, Machine> held_;
+    std::map<InvariantView::Path, std::string> byCounters_;
+    std::vector<std::pair<std::string, std::optional<Machine>>> undo_;
+  };
+
+  // The policy maps, as (listed map type, name), whose counters hold each
+  // class-map name, as the document stands after the last applied
+  // transition: the scan for the names a change touches reads these, not
+  // the whole document.
+  using CountedBy = std::map<std::string, std::set<std::pair<std::string, std::string>>>;
 
   // The table looking at class `cmapName` of policy map `pmapName` whose
   // own type is `ownType`, statistics on: the class's machine asked for
@@ -79,6 +110,14 @@ class InvariantPolicerStats {
   // classes in `names` (all when null); the first conflict, if any.
   static std::optional<Refusal> scan(const InvariantView& view, Machines& machines,
                                      const std::set<std::string>* names);
+  // The same scan for `names` only, through countedBy_.
+  std::optional<Refusal> scanNamed(const InvariantView& view, Machines& machines,
+                                   const std::set<std::string>& names) const;
+  // The policy maps at or below the changed path, before or after it, as
+  // (listed map type, name); every one for a change above the map types.
+  static std::set<std::pair<std::string, std::string>> policyMapsAt(const InvariantView& view, bool after);
+  // Brings countedBy_ to the document after the transition.
+  void recount(const InvariantView& view);
   // The class-map names whose counting the transition may change; nullopt
   // for all of them.
   static std::optional<std::set<std::string>> touched(const InvariantView& view);
@@ -93,6 +132,7 @@ class InvariantPolicerStats {
 
   bool enabled_;
   Machines machines_;
+  CountedBy countedBy_;
 };
 
 }  // namespace QosSnmpHost
