@@ -100,8 +100,9 @@ class RunSurvivesHostileInputTest : public ::testing::Test {
   ToolRun getMarker() { return snmp("snmpget", {address_, kMarkerOid}); }
   ToolRun walk() { return snmp("snmpwalk", {address_, kQosSubtree}); }
 
-  // Writes all of `bytes` to the FIFO within `seconds`, turning the loop
-  // while the FIFO is full; false on an error or when time runs out.
+  // Writes all of `bytes` to the FIFO within `seconds`, waiting while the
+  // FIFO is full (the agent reads it as it can); false on an error or when
+  // time runs out.
   bool writeToFifo(std::string_view bytes, double seconds) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
     while (!bytes.empty()) {
