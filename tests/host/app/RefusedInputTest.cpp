@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "host/app/AgentHost.h"
+#include "host/app/RefusedInputSupport.h"
 #include "host/dump/MibDump.h"
 #include "kel/System.h"
 
@@ -25,57 +26,8 @@ using QosSnmpHost::MibDump;
 using QosSnmpHost::SwitchState;
 
 const std::string kExample = QOS_EXAMPLES_DIR "/leaf-switch.json";
-const std::string kSlicePmap = "/sliceHwStatus/FixedSystem/pmapTypeHwStatus";
-const std::string kCoppPmap = "/qosStatus/pmapType/mapControlPlane/pmap/copp-system-policy";
-const std::string kPolicyIn = "/qosStatus/pmapType/mapQos/pmap/policy-in";
 
-struct Case {
-  std::string name;
-  // Accepted lines applied first, to reach the state the case needs.
-  std::vector<std::string> setup;
-  std::string line;
-  // The error, as printed for a change file named "changes.jsonl" whose
-  // setup lines come first.
-  std::string expected;
-};
-
-// Names the case in test output.
-void PrintTo(const Case& c, std::ostream* out) { *out << c.name; }
-
-std::string set(const std::string& path, const std::string& value) {
-  return R"({"op": "set", "path": ")" + path + R"(", "value": )" + value + "}";
-}
-std::string del(const std::string& path) { return R"({"op": "delete", "path": ")" + path + R"("})"; }
-
-std::string repeated(const std::string& text, int times) {
-  std::string out;
-  for (int i = 0; i < times; ++i) {
-    out += text;
-  }
-  return out;
-}
-std::string quoted(const std::string& text) {
-  std::string out(1, '"');
-  out.append(text);
-  out.push_back('"');
-  return out;
-}
-// `line` followed by a NUL byte.
-std::string withNul(const std::string& line) {
-  std::string out = line;
-  out.push_back('\0');
-  return out;
-}
-// A change line whose value is `depth` objects, one inside the other.
-std::string deepObjects(int depth) {
-  return set("/hwStatus/coppSupported", repeated(R"({"a": )", depth) + "1" + std::string(depth, '}'));
-}
-
-std::vector<Case> cases() {
-  return {
-#include "RefusedInputCases.inc"
-  };
-}
+using Case = QosSnmpHostTest::RefusedInputCase;
 
 class RefusedInputTest : public ::testing::TestWithParam<Case> {};
 
@@ -148,7 +100,7 @@ TEST_P(RefusedInputTest, CheckAndDumpExitWithStatus2AndTheMessage) {
   std::filesystem::remove_all(dir);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, RefusedInputTest, ::testing::ValuesIn(cases()),
+INSTANTIATE_TEST_SUITE_P(Cases, RefusedInputTest, ::testing::ValuesIn(QosSnmpHostTest::refusedInputCases()),
                          [](const ::testing::TestParamInfo<Case>& info) { return info.param.name; });
 
 }  // namespace
