@@ -4,20 +4,25 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cmath>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "host/app/AgentHost.h"
 #include "host/app/LineReader.h"
 #include "host/app/PluginLoader.h"
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
+#include "host/log/Logger.h"
 #include "host/snmp/MibView.h"
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
@@ -32,20 +37,63 @@ namespace QosSnmpHost {
 
 namespace {
 
-constexpr int kOk = 0;
-constexpr int kSetUpFailed = 1;
-constexpr int kBadInput = 2;
+constexpr int kOk = kExitOk;
+constexpr int kSetUpFailed = kExitSetUpFailed;
+constexpr int kBadInput = kExitBadInput;
+
+// Where a command's messages go: dump, check and tree print them as they
+// are (the message is their output); run logs them.
+class Messages {
+ public:
+  explicit Messages(bool logged) : logged_(logged) {}
+  // A problem of the program's own set-up: "--trace X: ...".
+  void setUpFailed(const std::string& text) const {
+    if (logged_) {
+      Logger::error("main", text);
+    } else {
+      std::cerr << "qos-snmp-agent: " << text << '\n';
+    }
+  }
+  // Malformed or refused input; the text names the file and the line.
+  void refused(const std::string& text) const {
+    if (logged_) {
+      Logger::error("input", text);
+    } else {
+      std::cerr << text << '\n';
+    }
+  }
+
+ private:
+  bool logged_;
+};
+
+// The log destination and level of the options; false after saying why.
+bool applyLogOptions(const CommonOptions& common, const Messages& messages) {
+  const std::optional<LogDestination> destination = Logger::destinationNamed(common.log);
+  const std::optional<LogLevel> level = Logger::levelNamed(common.logLevel);
+  if (!destination || !level) {
+    messages.setUpFailed("--log " + common.log + " --log-level " + common.logLevel + ": not a log setting");
+    return false;
+  }
+  Logger::destinationIs(*destination);
+  Logger::thresholdIs(*level);
+  return true;
+}
 
 // The plug-in's one feature toggle, read the way the agent reads it.
 bool policerStatsTableEnabled() {
   return Kel::getToggleState("QosSnmpPolicerStatsTable", "QosSnmp.json", true);
 }
 
-// Trace, ring trace and toggles, then the plug-in. Null after printing why.
-QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
+// Log, trace, ring trace and toggles, then the plug-in. Null after saying
+// why.
+QosSnmp::RootSmFactory* setUp(const CommonOptions& common, const Messages& messages) {
+  if (!applyLogOptions(common, messages)) {
+    return nullptr;
+  }
   if (!common.trace.empty()) {
     if (std::optional<std::string> error = Kel::traceLevelsIs(common.trace)) {
-      std::cerr << "qos-snmp-agent: --trace " << common.trace << ": " << *error << '\n';
+      messages.setUpFailed("--trace " + common.trace + ": " + *error);
       return nullptr;
     }
   }
@@ -53,7 +101,7 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
     try {
       RingTrace::openDefaultRingTraceFile(common.ringTrace);
     } catch (const std::exception& error) {
-      std::cerr << "qos-snmp-agent: --ring-trace " << common.ringTrace << ": " << error.what() << '\n';
+      messages.setUpFailed("--ring-trace " + common.ringTrace + ": " + error.what());
       return nullptr;
     }
   }
@@ -64,7 +112,7 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
   std::string error;
   QosSnmp::RootSmFactory* factory = PluginLoader::load(plugin, error);
   if (factory == nullptr) {
-    std::cerr << "qos-snmp-agent: " << error << '\n';
+    messages.setUpFailed(error);
   }
   return factory;
 }
@@ -72,21 +120,21 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
 // Loads the state document and builds the agent over it. Null after
 // printing the error; `status` says which kind.
 std::unique_ptr<AgentHost> buildAgent(const CommonOptions& common, const std::string& stateFile,
-                                      int& status) {
-  QosSnmp::RootSmFactory* factory = setUp(common);
+                                      const Messages& messages, int& status) {
+  QosSnmp::RootSmFactory* factory = setUp(common, messages);
   if (factory == nullptr) {
     status = kSetUpFailed;
     return nullptr;
   }
   Result<SwitchState> state = SwitchState::loadFile(stateFile);
   if (!state) {
-    std::cerr << state.error().text() << '\n';
+    messages.refused(state.error().text());
     status = kBadInput;
     return nullptr;
   }
   auto host = std::make_unique<AgentHost>(std::move(state.value()), policerStatsTableEnabled());
   if (std::optional<LoadError> refused = host->build(*factory)) {
-    std::cerr << refused->text() << '\n';
+    messages.refused(refused->text());
     status = kBadInput;
     return nullptr;
   }
@@ -123,7 +171,7 @@ int offlineCommand(const CommonOptions& common, const std::string& stateFile, co
                    Show&& show) {
   Kel::VirtualTime time;
   int status = kOk;
-  std::unique_ptr<AgentHost> host = buildAgent(common, stateFile, status);
+  std::unique_ptr<AgentHost> host = buildAgent(common, stateFile, Messages(false), status);
   if (!host) {
     return status;
   }
@@ -150,7 +198,7 @@ int openChangeStream(const std::string& path) {
     fd = ::open(path.c_str(), (fifo ? O_RDWR : O_RDONLY) | O_CLOEXEC);
   }
   if (fd < 0) {
-    std::cerr << "qos-snmp-agent: --changes " << path << ": cannot be opened\n";
+    Logger::error("changes", "--changes " + path + ": cannot be opened: " + std::strerror(errno));
     return -1;
   }
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
@@ -182,7 +230,7 @@ class ChangeFollower {
       pending_.pop_front();
       Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
       if (!change) {
-        std::cerr << change.error().text() << '\n';
+        Logger::warning("changes", change.error().text());
       } else if (change->op == Change::Op::advance) {
         resumeAt_ = Kel::System::currentTime() + change->seconds;
       }
@@ -196,7 +244,7 @@ class ChangeFollower {
       pending_.emplace_back(std::string(line), number);
     });
     if (reader_.ended()) {
-      std::cerr << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
+      Logger::notice("changes", name_ + ": change stream ended; still serving");
       close();
     }
   }
@@ -216,6 +264,184 @@ class ChangeFollower {
   bool closed_ = false;
   std::deque<std::pair<std::string, std::size_t>> pending_;
   double resumeAt_ = 0.0;
+};
+
+// How run serves SNMP now, and what a SIGHUP may change of it.
+class RunningAgent {
+ public:
+  RunningAgent(CommonOptions common, RunOptions options, SnmpFrontEnd& snmp)
+      : common_(std::move(common)), options_(std::move(options)), snmp_(snmp) {
+    usersText_ = readUsers(options_.snmpv3Users);
+  }
+
+  SnmpFrontEndOptions snmpOptions() const {
+    SnmpFrontEndOptions snmpOptions;
+    snmpOptions.community = options_.community;
+    snmpOptions.snmpv3UserFile = options_.snmpv3Users;
+    snmpOptions.agentxPingIntervalSeconds = options_.agentxPingInterval;
+    if (!options_.agentx.empty()) {
+      snmpOptions.agentxSocket = options_.agentx;
+    } else if (!listenNow_.empty()) {
+      snmpOptions.listen = listenNow_;
+    } else {
+      snmpOptions.listen = options_.listen.empty() ? kDefaultListen : options_.listen;
+    }
+    return snmpOptions;
+  }
+
+  // Says where the MIB is served and how to read it.
+  void announce() const {
+    if (!options_.agentx.empty()) {
+      Logger::info("main", "serving the QoS MIB as an AgentX subagent of " + options_.agentx +
+                               (snmp_.subagentConnected() ? "" : " once connected"));
+      return;
+    }
+    const std::vector<std::string>& bound = snmp_.boundAddresses();
+    const std::string address = bound.empty() ? snmpOptions().listen : bound.front();
+    Logger::info("main", "serving the QoS MIB on " + address + " (community " + options_.community + ")");
+    Logger::info("main", "walk it with: snmpwalk -v2c -c " + options_.community + " " + mibSearchHint() +
+                             " -m QOS-SNMP-MIB " + address + " qosSnmpMIB");
+  }
+
+  // SIGHUP. The SNMP agent restarts only when the community or the SNMPv3
+  // users changed; if it cannot restart with the new settings it goes back
+  // to the old ones, and failed() turns true only if that fails too.
+  void reload(const OptionsReader& reread) {
+    if (!reread) {
+      Logger::warning("main", "SIGHUP: nothing to re-read");
+      return;
+    }
+    CommonOptions common;
+    RunOptions options;
+    std::string error;
+    if (!reread(common, options, error)) {
+      Logger::error("config", "SIGHUP: configuration not applied, the running one stays: " + error);
+      return;
+    }
+    Logger::info("main", "SIGHUP: re-reading the configuration" +
+                             (common.config.empty() ? std::string(" (no file)") : " from " + common.config));
+    applyLogAndTrace(common);
+    reportUnapplied(common, options);
+    applySnmpAccess(options);
+  }
+
+  bool failed() const { return failed_; }
+
+ private:
+  static constexpr const char* kDefaultListen = "udp:127.0.0.1:1161";
+
+  // The SNMPv3 user file's text, compared across SIGHUP; unreadable: a
+  // marker that differs from every text.
+  static std::string readUsers(const std::string& path) {
+    if (path.empty()) {
+      return {};
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+      return std::string(1, '\0') + "unreadable";
+    }
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+  }
+
+  void applyLogAndTrace(const CommonOptions& common) {
+    if (common.log != common_.log || common.logLevel != common_.logLevel) {
+      if (applyLogOptions(common, Messages(true))) {
+        Logger::info("main", "SIGHUP: logging to " + common.log + " from level " + common.logLevel);
+        common_.log = common.log;
+        common_.logLevel = common.logLevel;
+      }
+    }
+    if (common.trace != common_.trace) {
+      // Exactly the new levels: every module off first.
+      if (std::optional<std::string> error = Kel::traceLevelsIs("*/;" + common.trace)) {
+        Logger::error("main", "SIGHUP: --trace " + common.trace + " not applied: " + *error);
+      } else {
+        Logger::info("main", "SIGHUP: trace levels now '" + common.trace + "'");
+        common_.trace = common.trace;
+      }
+    }
+  }
+
+  void reportUnapplied(const CommonOptions& common, const RunOptions& options) const {
+    const auto unapplied = [](const char* name, const std::string& was, const std::string& now) {
+      if (was != now) {
+        Logger::warning("main", std::string("SIGHUP: ") + name + " changed from '" + was + "' to '" + now +
+                                    "'; not applied until the next start");
+      }
+    };
+    unapplied("state", options_.state, options.state);
+    unapplied("changes", options_.changes, options.changes);
+    unapplied("listen", options_.listen, options.listen);
+    unapplied("agentx", options_.agentx, options.agentx);
+    unapplied("agentx-ping-interval", std::to_string(options_.agentxPingInterval),
+              std::to_string(options.agentxPingInterval));
+    unapplied("plugin", common_.plugin, common.plugin);
+    unapplied("ring-trace", common_.ringTrace, common.ringTrace);
+    unapplied("toggles", common_.toggles, common.toggles);
+  }
+
+  void applySnmpAccess(const RunOptions& options) {
+    const std::string usersText = readUsers(options.snmpv3Users);
+    const bool changed = options.community != options_.community ||
+                         options.snmpv3Users != options_.snmpv3Users || usersText != usersText_;
+    if (!changed) {
+      return;
+    }
+    if (!options_.agentx.empty()) {
+      Logger::warning("main",
+                      "SIGHUP: community and SNMPv3 users are the AgentX master's; nothing to apply here");
+      return;
+    }
+    RunOptions next = options_;
+    next.community = options.community;
+    next.snmpv3Users = options.snmpv3Users;
+    // The same sockets again, ports the system chose included.
+    std::string bound;
+    for (const std::string& address : snmp_.boundAddresses()) {
+      bound += (bound.empty() ? "" : ",") + address;
+    }
+    listenNow_ = bound;
+    const RunOptions previous = std::exchange(options_, next);
+    snmp_.stop();
+    try {
+      snmp_.start(snmpOptions());
+      usersText_ = usersText;
+      Logger::info("main",
+                   "SIGHUP: SNMP agent restarted with community " + options_.community +
+                       (options_.snmpv3Users.empty() ? "" : " and the users of " + options_.snmpv3Users));
+      return;
+    } catch (const std::exception& error) {
+      Logger::error("main", std::string("SIGHUP: community and SNMPv3 users not applied: ") + error.what());
+    }
+    options_ = previous;
+    try {
+      snmp_.start(snmpOptions());
+      Logger::info("main", "SIGHUP: SNMP agent serving again with the previous community and users");
+    } catch (const std::exception& error) {
+      Logger::error("main", std::string("SIGHUP: the SNMP agent cannot restart: ") + error.what());
+      failed_ = true;
+    }
+  }
+
+  // Where the tools find the MIB modules: the installed directories next to
+  // the program, else the repository's (run from its top directory).
+  static std::string mibSearchHint() {
+    std::error_code ignored;
+    const std::filesystem::path share = std::filesystem::path(PluginLoader::programDir()) / ".." / "share";
+    const std::filesystem::path base = share / "qos-snmp-agent" / "mibs";
+    if (std::filesystem::exists(base / "SNMPv2-SMI.txt", ignored)) {
+      const std::filesystem::path mibs = std::filesystem::weakly_canonical(share / "snmp" / "mibs", ignored);
+      return "-M +" + mibs.string() + ":" + std::filesystem::weakly_canonical(base, ignored).string();
+    }
+    return "-M +:mib:mib/base";
+  }
+
+  CommonOptions common_;
+  RunOptions options_;     // as configured
+  std::string listenNow_;  // after a restart: the sockets bound at the first start
+  SnmpFrontEnd& snmp_;
+  std::string usersText_;
+  bool failed_ = false;
 };
 
 }  // namespace
@@ -248,45 +474,41 @@ int treeCommand(const CommonOptions& common, const TreeOptions& options) {
   });
 }
 
-int runCommand(const CommonOptions& common, const RunOptions& options) {
+int runCommand(const CommonOptions& common, const RunOptions& options, const OptionsReader& reread) {
   int status = kOk;
-  std::unique_ptr<AgentHost> host = buildAgent(common, options.state, status);
+  const Messages messages(true);
+  std::unique_ptr<AgentHost> host = buildAgent(common, options.state, messages, status);
   if (!host) {
     return status;
   }
+  if (!common.config.empty()) {
+    Logger::info("main", "configuration read from " + common.config);
+  }
   Kel::ActivityManager loop(Kel::System::clock());
+  const MibView view(host->mib());
+  SnmpFrontEnd snmp(loop, view);
+  RunningAgent running{common, options, snmp};
   bool stopping = false;
-  const SignalStopper signals(loop, [&](int) {
+  // A reload runs between two turns of the loop, where the SNMP agent may
+  // restart, never inside the loop's dispatch.
+  bool reloadDue = false;
+  const SignalStopper signals(loop, [&](int signal) {
+    if (signal == SIGHUP) {
+      reloadDue = true;
+      return;
+    }
+    Logger::info("main", std::string("stopping on ") + (signal == SIGINT ? "SIGINT" : "SIGTERM"));
     stopping = true;
     loop.stop();
   });
 
-  const MibView view(host->mib());
-  SnmpFrontEnd snmp(loop, view);
-  SnmpFrontEndOptions snmpOptions;
-  snmpOptions.community = options.community;
-  snmpOptions.snmpv3UserFile = options.snmpv3Users;
-  snmpOptions.agentxPingIntervalSeconds = options.agentxPingInterval;
-  if (!options.agentx.empty()) {
-    snmpOptions.agentxSocket = options.agentx;
-  } else {
-    snmpOptions.listen = options.listen.empty() ? "udp:127.0.0.1:1161" : options.listen;
-  }
   try {
-    snmp.start(snmpOptions);
+    snmp.start(running.snmpOptions());
   } catch (const std::exception& error) {
-    std::cerr << "qos-snmp-agent: " << error.what() << '\n';
+    Logger::error("snmp", error.what());
     return kSetUpFailed;
   }
-  if (!options.agentx.empty()) {
-    std::cerr << "qos-snmp-agent: serving the QoS MIB as an AgentX subagent of " << options.agentx << '\n';
-  } else {
-    std::cerr << "qos-snmp-agent: serving the QoS MIB on " << snmpOptions.listen << " (community "
-              << options.community << "); walk it with:\n"
-              << "  snmpwalk -v2c -c " << options.community << " -M +:mib:mib/base -m QOS-SNMP-MIB "
-              << snmpOptions.listen << " qosSnmpMIB\n"
-              << "(from the repository's top directory, where mib/ holds the MIB module)\n";
-  }
+  running.announce();
 
   std::unique_ptr<ChangeFollower> follower;
   if (!options.changes.empty()) {
@@ -297,14 +519,22 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     follower = std::make_unique<ChangeFollower>(*host, loop,
                                                 options.changes == "-" ? "(stdin)" : options.changes, fd);
   }
-  while (!stopping) {
+  while (!stopping && !running.failed()) {
+    if (std::exchange(reloadDue, false)) {
+      running.reload(reread);
+      continue;
+    }
     const double wait = follower ? follower->applyDue() : 1.0;
     loop.runOnce(std::min(wait, 1.0));
   }
-  std::cerr << "qos-snmp-agent: stopping\n";
   follower.reset();
   snmp.stop();
   host->release();
+  if (running.failed()) {
+    Logger::error("main", "stopped: the SNMP agent could not be restarted");
+    return kSetUpFailed;
+  }
+  Logger::info("main", "stopped");
   return kOk;
 }
 
