@@ -25,6 +25,23 @@ endif()
 # The libraries find each other and the model library from where they are.
 set(qos_installed_libraries kel pellix snmpnames toggles qossnmpmodel QosSnmpAgent)
 set_target_properties(${qos_installed_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
+
+# Hardening of what is installed, as Debian's build flags would give it:
+# full RELRO with immediate binding, and fortified C library calls where
+# the compiler can check buffer sizes (not with the sanitizers, which
+# replace those calls themselves).
+foreach(target ${qos_installed_libraries} qos-snmp-agent qoshostapp qoshostlog qoshoststate qoshostdump
+               qoshosttree qoshostsnmp qossnmpagentobjects)
+  if(TARGET ${target})
+    get_target_property(type ${target} TYPE)
+    if(NOT type MATCHES "STATIC_LIBRARY|OBJECT_LIBRARY")
+      target_link_options(${target} PRIVATE -Wl,-z,relro,-z,now)
+    endif()
+    if(NOT QOS_SANITIZE)
+      target_compile_definitions(${target} PRIVATE _FORTIFY_SOURCE=2)
+    endif()
+  endif()
+endforeach()
 install(TARGETS ${qos_installed_libraries} LIBRARY DESTINATION ${QOS_INSTALL_PLUGINDIR})
 
 install(FILES mib/QOS-SNMP-MIB.txt DESTINATION ${CMAKE_INSTALL_DATADIR}/snmp/mibs)
@@ -45,6 +62,8 @@ configure_file(packaging/changelog.Debian.in ${qos_generated}/changelog.Debian @
 install(FILES ${qos_generated}/qos-snmp-agent.service DESTINATION ${qos_unit_dir})
 install(FILES ${qos_generated}/qos-snmp-agent.conf DESTINATION ${CMAKE_INSTALL_FULL_SYSCONFDIR}/qos-snmp-agent)
 install(FILES packaging/copyright DESTINATION ${qos_doc_dir})
+install(FILES packaging/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides
+        RENAME qos-snmp-agent)
 
 # The man page: the program's own --help-all and --version, with the
 # sections help cannot hold (files, signals, MIB directories).
