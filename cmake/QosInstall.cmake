@@ -29,7 +29,9 @@ set_target_properties(${qos_installed_libraries} PROPERTIES INSTALL_RPATH "$ORIG
 # Hardening of what is installed, as Debian's build flags would give it:
 # full RELRO with immediate binding, and fortified C library calls where
 # the compiler can check buffer sizes (not with the sanitizers, which
-# replace those calls themselves).
+# replace those calls themselves). Source paths (assertion messages, debug
+# information) are written relative to the repository, so no installed file
+# names the tree it was built in.
 foreach(target ${qos_installed_libraries} qos-snmp-agent qoshostapp qoshostlog qoshoststate qoshostdump
                qoshosttree qoshostsnmp qossnmpagentobjects)
   if(TARGET ${target})
@@ -40,6 +42,7 @@ foreach(target ${qos_installed_libraries} qos-snmp-agent qoshostapp qoshostlog q
     if(NOT QOS_SANITIZE)
       target_compile_definitions(${target} PRIVATE _FORTIFY_SOURCE=2)
     endif()
+    target_compile_options(${target} PRIVATE -ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
   endif()
 endforeach()
 install(TARGETS ${qos_installed_libraries} LIBRARY DESTINATION ${QOS_INSTALL_PLUGINDIR})
