@@ -90,7 +90,10 @@ CommandLine::CommandLine() {
   runApp = app.add_subcommand(
       "run",
       "Run the agent on the real clock, follow the change stream and serve the MIB over SNMP until SIGINT "
-      "or SIGTERM; SIGHUP re-reads the configuration file");
+      "or SIGTERM; SIGHUP re-reads the configuration file. Every option may stand in that file, --config "
+      "FILE "
+      "(default " +
+          std::string(ConfigFile::kDefaultPath) + " when it exists)");
   runApp->add_option("--state", run.state, "Switch state document (JSON)")->required();
   runApp->add_option("--changes", run.changes,
                      "Change stream to follow: a file, a FIFO, or - for standard input");
