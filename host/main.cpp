@@ -1,57 +1,99 @@
 // qos-snmp-agent: builds the QoS agent over a switch state, follows its
 // changes, shows the MIB model and serves it over SNMP.
+//
+// Every subcommand and option is registered in CommandLine's constructor,
+// the one place to add an option; the same registration serves the start
+// and every re-read of the configuration (SIGHUP).
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include <CLI/CLI.hpp>
 
+#include "host/BuildVersion.h"
 #include "host/app/Commands.h"
+#include "host/app/ConfigFile.h"
 
-int main(int argc, char** argv) {
-  using namespace QosSnmpHost;
+namespace {
+
+using namespace QosSnmpHost;
+
+constexpr const char* kExitStatuses =
+    "Exit status:\n"
+    "  0   success\n"
+    "  1   could not start: plug-in, trace file, SNMP address, change stream\n"
+    "  2   input refused: a malformed or refused switch state or change line (dump, check, tree)\n"
+    "  64  usage error: an unknown or malformed option, a missing subcommand, a bad configuration file\n";
+
+class CommandLine {
+ public:
+  CommandLine();
 
   CLI::App app{
       "qos-snmp-agent: the QoS agent of a switch. It loads the agent plug-in, builds the agent over a switch "
-      "state document (JSON), follows a stream of changes (JSON Lines) and shows or serves the MIB model."};
+      "state document (JSON), follows a stream of changes (JSON Lines) and shows or serves the MIB model.",
+      "qos-snmp-agent"};
+  CommonOptions common;
+  DumpOptions dump;
+  DumpOptions check;
+  TreeOptions tree;
+  RunOptions run;
+  CLI::App* dumpApp = nullptr;
+  CLI::App* checkApp = nullptr;
+  CLI::App* treeApp = nullptr;
+  CLI::App* runApp = nullptr;
+
+  // After a parse: the configuration file that was read, if any.
+  std::string configFileRead() const;
+
+ private:
+  void addCommon(CLI::App* command);
+  CLI::Option* config_ = nullptr;
+};
+
+CommandLine::CommandLine() {
   app.require_subcommand(1);
   app.set_help_all_flag("--help-all", "Show the help of every subcommand");
+  app.set_version_flag("--version", std::string("qos-snmp-agent ") + QOS_BUILD_VERSION);
+  app.footer(kExitStatuses);
+  // Options of the program itself (--config) may follow the subcommand.
+  app.fallthrough();
+  config_ = app.set_config("--config", ConfigFile::kDefaultPath,
+                           std::string("Read options of the subcommand from FILE (key = value, a long option "
+                                       "per line; run reads ") +
+                               ConfigFile::kDefaultPath + " when it exists)");
+  config_->multi_option_policy(CLI::MultiOptionPolicy::Throw);
+  app.config_formatter(std::make_shared<ConfigFile>(app, *config_));
 
-  CommonOptions common;
-  const auto addCommon = [&common](CLI::App* command) {
-    command->add_option("--plugin", common.plugin,
-                        "The agent plug-in (default: the module built with this program)");
-    command->add_option("--trace", common.trace,
-                        "Framework trace levels per module, e.g. \"QosSnmp/0-8\" (lines to standard error)");
-    command->add_option("--ring-trace", common.ringTrace, "Write the ring-buffer trace to FILE");
-    command->add_option("--toggles", common.toggles, "Read feature toggles from DIR");
-  };
-
-  DumpOptions dump;
-  CLI::App* dumpApp =
-      app.add_subcommand("dump", "Build the agent, apply the changes, print the whole MIB model");
+  dumpApp = app.add_subcommand("dump", "Build the agent, apply the changes, print the whole MIB model");
   dumpApp->add_option("--state", dump.state, "Switch state document (JSON)")->required();
   dumpApp->add_option("--changes", dump.changes, "Change stream to apply first (JSON Lines)");
   dumpApp->add_option("--format", dump.format, "Output format")->check(CLI::IsMember({"text", "json"}));
   addCommon(dumpApp);
 
-  DumpOptions check;
-  CLI::App* checkApp =
-      app.add_subcommand("check", "Validate a switch state and a change stream; print nothing else");
+  checkApp = app.add_subcommand("check", "Validate a switch state and a change stream; print nothing else");
   checkApp->add_option("--state", check.state, "Switch state document (JSON)")->required();
   checkApp->add_option("--changes", check.changes, "Change stream (JSON Lines)");
   addCommon(checkApp);
 
-  TreeOptions tree;
-  CLI::App* treeApp =
-      app.add_subcommand("tree", "Print the live tree of state machines and the rows each owns");
+  treeApp = app.add_subcommand("tree", "Print the live tree of state machines and the rows each owns");
   treeApp->add_option("--state", tree.state, "Switch state document (JSON)")->required();
   treeApp->add_option("--changes", tree.changes, "Change stream to apply first (JSON Lines)");
   treeApp->add_option("--format", tree.format, "Output format (dot: Graphviz)")
       ->check(CLI::IsMember({"text", "dot"}));
   addCommon(treeApp);
 
-  RunOptions run;
-  CLI::App* runApp = app.add_subcommand(
+  runApp = app.add_subcommand(
       "run",
       "Run the agent on the real clock, follow the change stream and serve the MIB over SNMP until SIGINT "
-      "or SIGTERM");
+      "or SIGTERM; SIGHUP re-reads the configuration file. Every option may stand in that file, --config "
+      "FILE "
+      "(default " +
+          std::string(ConfigFile::kDefaultPath) + " when it exists)");
   runApp->add_option("--state", run.state, "Switch state document (JSON)")->required();
   runApp->add_option("--changes", run.changes,
                      "Change stream to follow: a file, a FIFO, or - for standard input");
@@ -67,17 +109,77 @@ int main(int argc, char** argv) {
                    "Seconds between AgentX pings and reconnection attempts (default 15)")
       ->check(CLI::Range(1, 3600));
   addCommon(runApp);
+}
 
-  CLI11_PARSE(app, argc, argv);
+void CommandLine::addCommon(CLI::App* command) {
+  command->add_option("--plugin", common.plugin,
+                      "The agent plug-in (default: the module installed or built with this program)");
+  command->add_option("--trace", common.trace,
+                      "Framework trace levels per module, e.g. \"QosSnmp/0-8\" (lines to standard error)");
+  command->add_option("--ring-trace", common.ringTrace, "Write the ring-buffer trace to FILE");
+  command->add_option("--toggles", common.toggles, "Read feature toggles from DIR");
+  command->add_option("--log", common.log, "Where log lines go: stderr (default) or syslog")
+      ->check(CLI::IsMember({"stderr", "syslog"}));
+  command->add_option("--log-level", common.logLevel, "Lowest level logged (default info)")
+      ->check(CLI::IsMember({"debug", "info", "notice", "warning", "error"}));
+}
 
-  if (dumpApp->parsed()) {
-    return dumpCommand(common, dump);
+std::string CommandLine::configFileRead() const {
+  if (config_->count() > 0) {
+    return config_->results().front();
   }
-  if (checkApp->parsed()) {
-    return checkCommand(common, check);
+  std::error_code ignored;
+  return runApp->parsed() && std::filesystem::is_regular_file(ConfigFile::kDefaultPath, ignored)
+             ? ConfigFile::kDefaultPath
+             : "";
+}
+
+// Parses the command line (and the configuration file it names). Returns
+// the exit status when the program is done (help, version, usage error).
+std::optional<int> parse(CommandLine& line, int argc, char** argv, std::string* usageError) {
+  try {
+    line.app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) {
+      return line.app.exit(error);  // --help, --help-all, --version
+    }
+    if (usageError != nullptr) {
+      *usageError = error.what();
+    } else {
+      std::cerr << "qos-snmp-agent: " << error.what() << "\nRun with --help for more information.\n";
+    }
+    return kUsageError;
   }
-  if (treeApp->parsed()) {
-    return treeCommand(common, tree);
+  line.common.config = line.configFileRead();
+  return std::nullopt;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  auto line = std::make_unique<CommandLine>();
+  if (std::optional<int> status = parse(*line, argc, argv, nullptr)) {
+    return *status;
   }
-  return runCommand(common, run);
+  if (line->dumpApp->parsed()) {
+    return dumpCommand(line->common, line->dump);
+  }
+  if (line->checkApp->parsed()) {
+    return checkCommand(line->common, line->check);
+  }
+  if (line->treeApp->parsed()) {
+    return treeCommand(line->common, line->tree);
+  }
+  // SIGHUP: the same command line again, with the configuration file as it
+  // is now.
+  const OptionsReader reread = [argc, argv](CommonOptions& common, RunOptions& run, std::string& error) {
+    CommandLine again;
+    if (parse(again, argc, argv, &error)) {
+      return false;
+    }
+    common = again.common;
+    run = again.run;
+    return true;
+  };
+  return runCommand(line->common, line->run, reread);
 }

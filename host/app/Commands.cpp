@@ -4,21 +4,27 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cmath>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
 #include <deque>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/app/AgentHost.h"
 #include "host/app/LineReader.h"
 #include "host/app/PluginLoader.h"
+#include "host/app/RunningAgent.h"
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
+#include "host/log/Logger.h"
 #include "host/snmp/MibView.h"
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
@@ -33,20 +39,63 @@ namespace QosSnmpHost {
 
 namespace {
 
-constexpr int kOk = 0;
-constexpr int kSetUpFailed = 1;
-constexpr int kBadInput = 2;
+constexpr int kOk = kExitOk;
+constexpr int kSetUpFailed = kExitSetUpFailed;
+constexpr int kBadInput = kExitBadInput;
+
+// Where a command's messages go: dump, check and tree print them as they
+// are (the message is their output); run logs them.
+class Messages {
+ public:
+  explicit Messages(bool logged) : logged_(logged) {}
+  // A problem of the program's own set-up: "--trace X: ...".
+  void setUpFailed(const std::string& text) const {
+    if (logged_) {
+      Logger::error("main", text);
+    } else {
+      std::cerr << "qos-snmp-agent: " << text << '\n';
+    }
+  }
+  // Malformed or refused input; the text names the file and the line.
+  void refused(const std::string& text) const {
+    if (logged_) {
+      Logger::error("input", text);
+    } else {
+      std::cerr << text << '\n';
+    }
+  }
+
+ private:
+  bool logged_;
+};
+
+// The log destination and level of the options; false after saying why.
+bool applyLogOptions(const CommonOptions& common, const Messages& messages) {
+  const std::optional<LogDestination> destination = Logger::destinationNamed(common.log);
+  const std::optional<LogLevel> level = Logger::levelNamed(common.logLevel);
+  if (!destination || !level) {
+    messages.setUpFailed("--log " + common.log + " --log-level " + common.logLevel + ": not a log setting");
+    return false;
+  }
+  Logger::destinationIs(*destination);
+  Logger::thresholdIs(*level);
+  return true;
+}
 
 // The plug-in's one feature toggle, read the way the agent reads it.
 bool policerStatsTableEnabled() {
   return Kel::getToggleState("QosSnmpPolicerStatsTable", "QosSnmp.json", true);
 }
 
-// Trace, ring trace and toggles, then the plug-in. Null after printing why.
-QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
+// Log, trace, ring trace and toggles, then the plug-in. Null after saying
+// why.
+QosSnmp::RootSmFactory* setUp(const CommonOptions& common, const Messages& messages) {
+  if (!applyLogOptions(common, messages)) {
+    return nullptr;
+  }
   if (!common.trace.empty()) {
     if (std::optional<std::string> error = Kel::traceLevelsIs(common.trace)) {
-      std::cerr << "qos-snmp-agent: --trace " << common.trace << ": " << *error << '\n';
+      messages.setUpFailed("--trace " + common.trace + ": " + *error);
       return nullptr;
     }
   }
@@ -54,7 +103,7 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
     try {
       RingTrace::openDefaultRingTraceFile(common.ringTrace);
     } catch (const std::exception& error) {
-      std::cerr << "qos-snmp-agent: --ring-trace " << common.ringTrace << ": " << error.what() << '\n';
+      messages.setUpFailed("--ring-trace " + common.ringTrace + ": " + error.what());
       return nullptr;
     }
   }
@@ -65,7 +114,7 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
   std::string error;
   QosSnmp::RootSmFactory* factory = PluginLoader::load(plugin, error);
   if (factory == nullptr) {
-    std::cerr << "qos-snmp-agent: " << error << '\n';
+    messages.setUpFailed(error);
   }
   return factory;
 }
@@ -73,21 +122,21 @@ QosSnmp::RootSmFactory* setUp(const CommonOptions& common) {
 // Loads the state document and builds the agent over it. Null after
 // printing the error; `status` says which kind.
 std::unique_ptr<AgentHost> buildAgent(const CommonOptions& common, const std::string& stateFile,
-                                      int& status) {
-  QosSnmp::RootSmFactory* factory = setUp(common);
+                                      const Messages& messages, int& status) {
+  QosSnmp::RootSmFactory* factory = setUp(common, messages);
   if (factory == nullptr) {
     status = kSetUpFailed;
     return nullptr;
   }
   Result<SwitchState> state = SwitchState::loadFile(stateFile);
   if (!state) {
-    std::cerr << state.error().text() << '\n';
+    messages.refused(state.error().text());
     status = kBadInput;
     return nullptr;
   }
   auto host = std::make_unique<AgentHost>(std::move(state.value()), policerStatsTableEnabled());
   if (std::optional<LoadError> refused = host->build(*factory)) {
-    std::cerr << refused->text() << '\n';
+    messages.refused(refused->text());
     status = kBadInput;
     return nullptr;
   }
@@ -143,7 +192,7 @@ int offlineCommand(const CommonOptions& common, const std::string& stateFile, co
                    Show&& show) {
   Kel::VirtualTime time;
   int status = kOk;
-  std::unique_ptr<AgentHost> host = buildAgent(common, stateFile, status);
+  std::unique_ptr<AgentHost> host = buildAgent(common, stateFile, Messages(false), status);
   if (!host) {
     return status;
   }
@@ -176,7 +225,7 @@ int openChangeStream(const std::string& path) {
     fd = ::open(path.c_str(), (fifo ? O_RDWR : O_RDONLY) | O_CLOEXEC);
   }
   if (fd < 0) {
-    std::cerr << "qos-snmp-agent: --changes " << path << ": cannot be opened\n";
+    Logger::error("changes", "--changes " + path + ": cannot be opened: " + std::strerror(errno));
     return -1;
   }
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
@@ -208,7 +257,7 @@ class ChangeFollower {
       pending_.pop_front();
       Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
       if (!change) {
-        std::cerr << change.error().text() << '\n';
+        Logger::warning("changes", change.error().text());
       } else if (change->op == Change::Op::advance) {
         resumeAt_ = Kel::System::currentTime() + change->seconds;
       }
@@ -223,12 +272,12 @@ class ChangeFollower {
           pending_.emplace_back(std::string(line), number);
         },
         [this](std::size_t number, std::size_t bytes) {
-          std::cerr
-              << overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text()
-              << '\n';
+          Logger::warning(
+              "changes",
+              overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text());
         });
     if (reader_.ended()) {
-      std::cerr << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
+      Logger::notice("changes", name_ + ": change stream ended; still serving");
       close();
     }
   }
@@ -280,45 +329,41 @@ int treeCommand(const CommonOptions& common, const TreeOptions& options) {
   });
 }
 
-int runCommand(const CommonOptions& common, const RunOptions& options) {
+int runCommand(const CommonOptions& common, const RunOptions& options, const OptionsReader& reread) {
   int status = kOk;
-  std::unique_ptr<AgentHost> host = buildAgent(common, options.state, status);
+  const Messages messages(true);
+  std::unique_ptr<AgentHost> host = buildAgent(common, options.state, messages, status);
   if (!host) {
     return status;
   }
+  if (!common.config.empty()) {
+    Logger::info("main", "configuration read from " + common.config);
+  }
   Kel::ActivityManager loop(Kel::System::clock());
+  const MibView view(host->mib());
+  SnmpFrontEnd snmp(loop, view);
+  RunningAgent running{common, options, snmp};
   bool stopping = false;
-  const SignalStopper signals(loop, [&](int) {
+  // A reload runs between two turns of the loop, where the SNMP agent may
+  // restart, never inside the loop's dispatch.
+  bool reloadDue = false;
+  const SignalStopper signals(loop, [&](int signal) {
+    if (signal == SIGHUP) {
+      reloadDue = true;
+      return;
+    }
+    Logger::info("main", std::string("stopping on ") + (signal == SIGINT ? "SIGINT" : "SIGTERM"));
     stopping = true;
     loop.stop();
   });
 
-  const MibView view(host->mib());
-  SnmpFrontEnd snmp(loop, view);
-  SnmpFrontEndOptions snmpOptions;
-  snmpOptions.community = options.community;
-  snmpOptions.snmpv3UserFile = options.snmpv3Users;
-  snmpOptions.agentxPingIntervalSeconds = options.agentxPingInterval;
-  if (!options.agentx.empty()) {
-    snmpOptions.agentxSocket = options.agentx;
-  } else {
-    snmpOptions.listen = options.listen.empty() ? "udp:127.0.0.1:1161" : options.listen;
-  }
   try {
-    snmp.start(snmpOptions);
+    snmp.start(running.snmpOptions());
   } catch (const std::exception& error) {
-    std::cerr << "qos-snmp-agent: " << error.what() << '\n';
+    Logger::error("snmp", error.what());
     return kSetUpFailed;
   }
-  if (!options.agentx.empty()) {
-    std::cerr << "qos-snmp-agent: serving the QoS MIB as an AgentX subagent of " << options.agentx << '\n';
-  } else {
-    std::cerr << "qos-snmp-agent: serving the QoS MIB on " << snmpOptions.listen << " (community "
-              << options.community << "); walk it with:\n"
-              << "  snmpwalk -v2c -c " << options.community << " -M +:mib:mib/base -m QOS-SNMP-MIB "
-              << snmpOptions.listen << " qosSnmpMIB\n"
-              << "(from the repository's top directory, where mib/ holds the MIB module)\n";
-  }
+  running.announce();
 
   std::unique_ptr<ChangeFollower> follower;
   if (!options.changes.empty()) {
@@ -329,14 +374,22 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     follower = std::make_unique<ChangeFollower>(*host, loop,
                                                 options.changes == "-" ? "(stdin)" : options.changes, fd);
   }
-  while (!stopping) {
+  while (!stopping && !running.failed()) {
+    if (std::exchange(reloadDue, false)) {
+      running.reload(reread);
+      continue;
+    }
     const double wait = follower ? follower->applyDue() : 1.0;
     loop.runOnce(std::min(wait, 1.0));
   }
-  std::cerr << "qos-snmp-agent: stopping\n";
   follower.reset();
   snmp.stop();
   host->release();
+  if (running.failed()) {
+    Logger::error("main", "stopped: the SNMP agent could not be restarted");
+    return kSetUpFailed;
+  }
+  Logger::info("main", "stopped");
   return kOk;
 }
 

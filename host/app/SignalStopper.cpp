@@ -36,6 +36,7 @@ SignalStopper::SignalStopper(Kel::ActivityManager& loop, std::function<void(int)
   action.sa_flags = SA_RESTART;
   ::sigaction(SIGINT, &action, nullptr);
   ::sigaction(SIGTERM, &action, nullptr);
+  ::sigaction(SIGHUP, &action, nullptr);
   loop_.fdReadableIs(readFd_, [this, onSignalRead = std::move(onSignalRead)] {
     unsigned char byte = 0;
     while (::read(readFd_, &byte, 1) == 1) {
@@ -47,6 +48,7 @@ SignalStopper::SignalStopper(Kel::ActivityManager& loop, std::function<void(int)
 SignalStopper::~SignalStopper() {
   ::signal(SIGINT, SIG_DFL);
   ::signal(SIGTERM, SIG_DFL);
+  ::signal(SIGHUP, SIG_DFL);
   loop_.fdDel(readFd_);
   ::close(readFd_);
   ::close(writeFd);

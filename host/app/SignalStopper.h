@@ -1,6 +1,7 @@
-// SignalStopper: turns SIGINT and SIGTERM into a readable descriptor of the
-// event loop, so the reactor thread stops between two events, never inside a
-// handler.
+// SignalStopper: turns SIGINT, SIGTERM and SIGHUP into a readable
+// descriptor of the event loop, so the reactor thread stops (or re-reads its
+// configuration) between two events, never inside a handler. Without it
+// SIGHUP would end the process on the spot.
 //
 // One per process. The signal handler only writes a byte to a pipe.
 #pragma once

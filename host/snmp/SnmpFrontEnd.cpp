@@ -1,10 +1,15 @@
 #include "host/snmp/SnmpFrontEnd.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +22,8 @@
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 #include <net-snmp/library/large_fd_set.h>
 
+#include "host/log/Logger.h"
+#include "host/snmp/SnmpLogBridge.h"
 #include "host/snmp/SnmpUserFile.h"
 
 // Access control and user handling live in libnetsnmpmibs; Debian's headers
@@ -54,6 +61,7 @@ SnmpFrontEnd* startedFrontEnd = nullptr;
 bool subagentSetUpSkipped = false;
 
 constexpr const char* kMasterName = "qos-snmp-agent";
+constexpr std::string_view kComponent = "snmp";
 constexpr const char* kSubagentName = "qos-snmp-agent-agentx";
 
 std::string dotted(OidSpan oid) {
@@ -61,6 +69,39 @@ std::string dotted(OidSpan oid) {
   for (const std::uint32_t subId : oid) {
     text += '.' + std::to_string(subId);
   }
+  return text;
+}
+
+// "udp:127.0.0.1:1161" or "udp6:[::1]:1161" for a bound UDP or TCP socket;
+// empty for any other descriptor (pipes, Unix sockets).
+std::string boundAddressOf(int fd) {
+  sockaddr_storage address{};
+  socklen_t length = sizeof address;
+  int type = 0;
+  socklen_t typeLength = sizeof type;
+  if (::getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+      ::getsockopt(fd, SOL_SOCKET, SO_TYPE, &type, &typeLength) != 0) {
+    return {};
+  }
+  const std::string transport = type == SOCK_STREAM ? "tcp" : "udp";
+  char host[INET6_ADDRSTRLEN] = {};
+  if (address.ss_family == AF_INET) {
+    const auto* in = reinterpret_cast<const sockaddr_in*>(&address);
+    ::inet_ntop(AF_INET, &in->sin_addr, host, sizeof host);
+    return transport + ':' + host + ':' + std::to_string(ntohs(in->sin_port));
+  }
+  if (address.ss_family == AF_INET6) {
+    const auto* in6 = reinterpret_cast<const sockaddr_in6*>(&address);
+    ::inet_ntop(AF_INET6, &in6->sin6_addr, host, sizeof host);
+    return transport + "6:[" + host + "]:" + std::to_string(ntohs(in6->sin6_port));
+  }
+  return {};
+}
+
+// Seconds with one decimal.
+std::string secondsText(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f", seconds);
   return text;
 }
 
@@ -224,11 +265,21 @@ void SnmpFrontEnd::start(const SnmpFrontEndOptions& options) {
                      : master_                        ? kMasterName
                                                       : kSubagentName;
   varbindsAnswered_ = 0;
+  boundAddresses_.clear();
+  agentxSocket_ = options.agentxSocket;
+  agentxPingIntervalSeconds_ = options.agentxPingIntervalSeconds;
+  SnmpLogBridge::install();
   configureLibrary(options, users);
   startLibrary();
-  if (master_ && init_master_agent() != 0) {
-    stop();
-    throw std::runtime_error("SNMP: cannot listen on '" + options.listen + "'");
+  if (master_) {
+    errno = 0;
+    if (init_master_agent() != 0) {
+      const int reason = errno;
+      stop();
+      throw std::runtime_error(
+          "SNMP: cannot listen on '" + options.listen + "': " +
+          (reason != 0 ? std::strerror(reason) : "not an address to listen on ([udp:|tcp:]HOST[:PORT])"));
+    }
   }
   for (const SnmpUserFile::User& user : users.users()) {
     if (!userExists(user.name)) {
@@ -239,6 +290,51 @@ void SnmpFrontEnd::start(const SnmpFrontEndOptions& options) {
   }
   registerSubtree();
   loop_.turnHookIs(this);
+  if (master_) {
+    logBoundAddresses();
+  } else {
+    subagentConnected_ = main_session != nullptr;
+    everConnected_ = subagentConnected_;
+    if (subagentConnected_) {
+      Logger::info(kComponent, "connected to the AgentX master at " + agentxSocket_);
+    } else {
+      lostAt_ = std::chrono::steady_clock::now();
+      Logger::warning(kComponent, "no AgentX master at " + agentxSocket_ + " yet, retrying every " +
+                                      std::to_string(agentxPingIntervalSeconds_) + " s");
+    }
+  }
+}
+
+void SnmpFrontEnd::logBoundAddresses() {
+  std::vector<int> fds;
+  beforeWait(fds);
+  for (const int fd : fds) {
+    std::string address = boundAddressOf(fd);
+    if (!address.empty()) {
+      Logger::info(kComponent, "listening on " + address);
+      boundAddresses_.push_back(std::move(address));
+    }
+  }
+}
+
+void SnmpFrontEnd::followSubagentConnection() {
+  const bool connected = main_session != nullptr;
+  if (connected == subagentConnected_) {
+    return;
+  }
+  subagentConnected_ = connected;
+  const auto now = std::chrono::steady_clock::now();
+  if (!connected) {
+    lostAt_ = now;
+    Logger::warning(kComponent, "lost the AgentX master at " + agentxSocket_ + ", retrying every " +
+                                    std::to_string(agentxPingIntervalSeconds_) + " s");
+    return;
+  }
+  const double away = std::chrono::duration<double>(now - lostAt_).count();
+  Logger::info(kComponent, (everConnected_ ? "connected again to the AgentX master at "
+                                           : "connected to the AgentX master at ") +
+                               agentxSocket_ + " after " + secondsText(away) + " s");
+  everConnected_ = true;
 }
 
 void SnmpFrontEnd::configureLibrary(const SnmpFrontEndOptions& options, const SnmpUserFile& users) {
@@ -326,6 +422,8 @@ void SnmpFrontEnd::shutDownLibrary() {
     shutdown_master_agent();
   }
   shutdown_agent();
+  // The shutdown removed the log handler; the library may still log.
+  SnmpLogBridge::install();
   forgetSubagentState(subagentConnected);
   std::error_code ignored;
   std::filesystem::remove_all(privateDir_, ignored);
@@ -375,6 +473,9 @@ void SnmpFrontEnd::afterWait(const std::vector<int>& readyFds) {
   }
   run_alarms();
   netsnmp_check_outstanding_agent_requests();
+  if (!master_) {
+    followSubagentConnection();
+  }
 }
 
 int SnmpFrontEnd::handle(netsnmp_mib_handler_s* handler, netsnmp_handler_registration_s* /*registration*/,

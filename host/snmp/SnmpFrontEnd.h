@@ -30,10 +30,17 @@
 // in-memory lines), nothing is loaded from or saved to a persistent
 // directory, no MIB module file is loaded, and no SMUX port is opened. The
 // library's configuration and persistent paths point at a private
-// directory under $TMPDIR (or /tmp), removed by stop(). Two things remain
+// directory under $TMPDIR (or /tmp), removed by stop(). One thing remains
 // of the system's: the agent library checks every request against the TCP
 // wrappers rules (/etc/hosts.allow, /etc/hosts.deny) under the application
-// name, and it logs to standard error.
+// name.
+//
+// Logging: the library's own lines go to the Logger (SnmpLogBridge), and so
+// do the front end's, under the component "snmp": the master's bound
+// addresses with their ports once listening; the reason (errno text) when
+// it cannot listen; a subagent's "connected to the AgentX master at ...",
+// "no AgentX master at ... yet" and "lost the AgentX master at ...,
+// retrying every N s", and "connected again ... after N s".
 //
 // Process-wide effects: a subagent sets SIGPIPE to ignored when it is still
 // at its default (a master that goes away must not end the process).
@@ -57,6 +64,7 @@
 //   snmp.stop();
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -113,6 +121,11 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
 
   // Varbinds the handler answered (GET and GETNEXT) since the last start().
   std::size_t varbindsAnswered() const { return varbindsAnswered_; }
+  // The embedded master's bound sockets, "udp:127.0.0.1:1161", as the
+  // system reports them (the port the system chose when none was given).
+  const std::vector<std::string>& boundAddresses() const { return boundAddresses_; }
+  // Whether a started subagent is connected to its master now.
+  bool subagentConnected() const { return subagentConnected_; }
 
  private:
   double beforeWait(std::vector<int>& fds) override;
@@ -122,6 +135,9 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
                     netsnmp_agent_request_info_s* requestInfo, netsnmp_request_info_s* requests);
   void answer(netsnmp_agent_request_info_s* requestInfo, netsnmp_request_info_s* requests);
   void configureLibrary(const SnmpFrontEndOptions& options, const SnmpUserFile& users);
+  void logBoundAddresses();
+  // Logs the subagent's connection changes: lost, connected (again).
+  void followSubagentConnection();
   void startLibrary();
   void registerSubtree();
   void shutDownLibrary();
@@ -137,6 +153,12 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
   std::string privateDir_;  // removed by stop()
   netsnmp_handler_registration_s* registration_ = nullptr;
   std::size_t varbindsAnswered_ = 0;
+  std::vector<std::string> boundAddresses_;
+  std::string agentxSocket_;
+  int agentxPingIntervalSeconds_ = 15;
+  bool subagentConnected_ = false;
+  bool everConnected_ = false;
+  std::chrono::steady_clock::time_point lostAt_;
   Oid requested_;  // scratch: the OID of the varbind being answered
 };
 

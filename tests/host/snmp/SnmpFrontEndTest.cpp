@@ -10,8 +10,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstring>
 #include <fstream>
 #include <initializer_list>
 #include <sstream>
@@ -34,6 +36,7 @@
 #include "QosSnmp/core/ServicePolicyKey.h"
 #include "QosSnmp/servicepolicy/ServicePolicyTestSupport.h"
 #include "QosSnmp/stats/HwStatusTestSupport.h"
+#include "host/log/Logger.h"
 #include "host/snmp/SnmpToolTestSupport.h"
 #include "kel/Make.h"
 #include "kel/System.h"
@@ -473,7 +476,8 @@ TEST_F(SnmpFrontEndTest, StartFailsClearlyWhenTheAddressIsTakenAndCanStartAfterw
     frontEnd_.start(options);
     ADD_FAILURE() << "started on a taken address";
   } catch (const std::runtime_error& error) {
-    EXPECT_EQ(std::string(error.what()), "SNMP: cannot listen on '" + takenAddress + "'");
+    EXPECT_EQ(std::string(error.what()),
+              "SNMP: cannot listen on '" + takenAddress + "': " + std::strerror(EADDRINUSE));
   }
   ::close(taken);
   EXPECT_FALSE(frontEnd_.started());
@@ -481,6 +485,38 @@ TEST_F(SnmpFrontEndTest, StartFailsClearlyWhenTheAddressIsTakenAndCanStartAfterw
 
   const std::string working = startMaster();
   const ToolRun run = walk(working);
+  ASSERT_EQ(run.status, 0) << run;
+  EXPECT_EQ(run.lines(), expectedMasterWalk());
+}
+
+TEST_F(SnmpFrontEndTest, StartRefusesAnInvalidPortWithItsReason) {
+  SnmpFrontEndOptions options;
+  options.listen = "udp:127.0.0.1:99999";
+  try {
+    frontEnd_.start(options);
+    ADD_FAILURE() << "started on port 99999";
+  } catch (const std::runtime_error& error) {
+    const std::string text = error.what();
+    EXPECT_TRUE(text.starts_with("SNMP: cannot listen on 'udp:127.0.0.1:99999': ")) << text;
+    EXPECT_EQ(text.find(std::strerror(EADDRINUSE)), std::string::npos) << text;
+  }
+  EXPECT_FALSE(frontEnd_.started());
+}
+
+TEST_F(SnmpFrontEndTest, MasterLogsTheAddressAndPortItListensOn) {
+  std::ostringstream log;
+  QosSnmpHost::Logger::streamIsForTest(&log);
+  SnmpFrontEndOptions options;
+  options.listen = "udp:127.0.0.1:0";  // the system picks the port
+  frontEnd_.start(options);
+  QosSnmpHost::Logger::streamIsForTest(nullptr);
+
+  ASSERT_EQ(frontEnd_.boundAddresses().size(), 1U) << log.str();
+  const std::string bound = frontEnd_.boundAddresses().front();
+  ASSERT_TRUE(bound.starts_with("udp:127.0.0.1:")) << bound;
+  EXPECT_NE(bound, "udp:127.0.0.1:0");
+  EXPECT_NE(log.str().find(" info snmp: listening on " + bound + "\n"), std::string::npos) << log.str();
+  const ToolRun run = walk(bound);
   ASSERT_EQ(run.status, 0) << run;
   EXPECT_EQ(run.lines(), expectedMasterWalk());
 }
@@ -674,6 +710,37 @@ TEST_F(SnmpFrontEndAgentxTest, SubagentStartedBeforeItsMasterConnectsWhenItComes
   snmpd_.start(loop_, toolEnvironment());
   waitForRegistration();
   expectWalksThroughSnmpd();
+}
+
+TEST_F(SnmpFrontEndAgentxTest, SubagentLogsWhenItConnectsLosesAndRegainsItsMaster) {
+  std::ostringstream log;
+  QosSnmpHost::Logger::streamIsForTest(&log);
+  const auto logged = [&log](const std::string& text) { return log.str().find(text) != std::string::npos; };
+  startSubagent(socket_);
+  EXPECT_FALSE(frontEnd_.subagentConnected());
+  EXPECT_TRUE(logged(" warning snmp: no AgentX master at " + socket_ + " yet, retrying every 1 s\n"))
+      << log.str();
+  EXPECT_FALSE(logged("serving"));
+
+  snmpd_.start(loop_, toolEnvironment());
+  waitForRegistration();
+  EXPECT_TRUE(frontEnd_.subagentConnected());
+  EXPECT_TRUE(logged(" info snmp: connected to the AgentX master at " + socket_ + " after ")) << log.str();
+
+  snmpd_.stop(loop_);
+  EXPECT_TRUE(turnUntil(
+      loop_,
+      [&] {
+        return logged(" warning snmp: lost the AgentX master at " + socket_ + ", retrying every 1 s\n");
+      },
+      30))
+      << log.str();
+  EXPECT_FALSE(frontEnd_.subagentConnected());
+  snmpd_.start(loop_, toolEnvironment());
+  waitForRegistration();
+  EXPECT_TRUE(logged(" info snmp: connected again to the AgentX master at " + socket_ + " after "))
+      << log.str();
+  QosSnmpHost::Logger::streamIsForTest(nullptr);
 }
 
 TEST_F(SnmpFrontEndAgentxTest, SubagentStoppedWhileItsMasterIsAwayStartsAgain) {
