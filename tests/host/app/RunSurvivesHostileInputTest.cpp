@@ -208,7 +208,14 @@ TEST_F(RunSurvivesHostileInputTest, AnswersThroughEveryRefusedLineAndChangesOnly
 
   // Each line is reported once, with its own message; the order of the
   // reports is left open (an overlong line is reported as it is read).
-  const std::vector<std::string> logLines = linesOf(slurp(log_));
+  // The run logs each report as "<time stamp> <level> <component>: <text>".
+  std::vector<std::string> logLines;
+  for (const std::string& line : linesOf(slurp(log_))) {
+    const std::size_t level = line.find(' ');
+    const std::size_t component = level == std::string::npos ? level : line.find(' ', level + 1);
+    const std::size_t text = component == std::string::npos ? component : line.find(": ", component + 1);
+    logLines.push_back(text == std::string::npos ? line : line.substr(text + 2));
+  }
   for (const std::string& expected : expectedLines) {
     EXPECT_EQ(std::count(logLines.begin(), logLines.end(), expected), 1)
         << "not a line of the agent's standard error: " << expected.substr(0, 300);
