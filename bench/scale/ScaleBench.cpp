@@ -116,8 +116,8 @@ bool ScaleBench::measureLoadChild(const std::string& stateFile, std::size_t& row
 bool ScaleBench::run(std::ostream& log) {
   const std::string empty = options_.workDir + "/empty.json";
   // The least the agent starts on: the control-plane policy map alone.
-  std::ofstream(empty) << R"({"qosStatus": {"pmapType": {"mapControlPlane": {"pmap": {"copp-system-policy": {}}}}}})"
-                       << '\n';
+  std::ofstream(empty)
+      << R"({"qosStatus": {"pmapType": {"mapControlPlane": {"pmap": {"copp-system-policy": {}}}}}})" << '\n';
   std::vector<long> emptyPeaks;
   for (int round = 0; round < options_.repeat; ++round) {
     const ProcessMeter::Run run = ProcessMeter::run({options_.agentProgram, "check", "--state", empty});
@@ -209,18 +209,18 @@ bool ScaleBench::measureChanges(const std::string& preset, const std::string& st
   const auto count = options_.changes.count(preset) != 0 ? options_.changes.at(preset) : std::size_t{200};
   result.changesPerKind = count;
   const SwitchLayout layout(*SwitchParams::preset(preset));
-  const Kel::VirtualTime time;
-  auto state = QosSnmpHost::SwitchState::loadFile(stateFile);
-  if (!state) {
-    log << state.error().text() << '\n';
-    return false;
-  }
-  QosSnmpHost::AgentHost host(std::move(state.value()), policerStatsTableEnabled());
-  if (auto refused = host.build(*factory)) {
-    log << refused->text() << '\n';
-    return false;
-  }
   for (const auto& [kind, name] : ChurnStream::kinds()) {
+    const Kel::VirtualTime time;
+    auto state = QosSnmpHost::SwitchState::loadFile(stateFile);
+    if (!state) {
+      log << state.error().text() << '\n';
+      return false;
+    }
+    QosSnmpHost::AgentHost host(std::move(state.value()), policerStatsTableEnabled());
+    if (auto refused = host.build(*factory)) {
+      log << refused->text() << '\n';
+      return false;
+    }
     ChurnStream stream(layout, kind, 1);
     std::vector<double> perChange;
     std::size_t number = 0;
@@ -241,8 +241,8 @@ bool ScaleBench::measureChanges(const std::string& preset, const std::string& st
     }
     result.changeMicros[name] = median(perChange);
     log << "   " << name << ": " << fixed(result.changeMicros[name], 1) << " us per change\n";
+    host.release();
   }
-  host.release();
   return true;
 }
 
