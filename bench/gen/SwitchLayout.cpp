@@ -1,5 +1,6 @@
 #include "bench/gen/SwitchLayout.h"
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstdio>

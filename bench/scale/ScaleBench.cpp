@@ -209,18 +209,18 @@ bool ScaleBench::measureChanges(const std::string& preset, const std::string& st
   const auto count = options_.changes.count(preset) != 0 ? options_.changes.at(preset) : std::size_t{200};
   result.changesPerKind = count;
   const SwitchLayout layout(*SwitchParams::preset(preset));
-  const Kel::VirtualTime time;
-  auto state = QosSnmpHost::SwitchState::loadFile(stateFile);
-  if (!state) {
-    log << state.error().text() << '\n';
-    return false;
-  }
-  QosSnmpHost::AgentHost host(std::move(state.value()), policerStatsTableEnabled());
-  if (auto refused = host.build(*factory)) {
-    log << refused->text() << '\n';
-    return false;
-  }
   for (const auto& [kind, name] : ChurnStream::kinds()) {
+    const Kel::VirtualTime time;
+    auto state = QosSnmpHost::SwitchState::loadFile(stateFile);
+    if (!state) {
+      log << state.error().text() << '\n';
+      return false;
+    }
+    QosSnmpHost::AgentHost host(std::move(state.value()), policerStatsTableEnabled());
+    if (auto refused = host.build(*factory)) {
+      log << refused->text() << '\n';
+      return false;
+    }
     ChurnStream stream(layout, kind, 1);
     std::vector<double> perChange;
     std::size_t number = 0;
@@ -241,8 +241,8 @@ bool ScaleBench::measureChanges(const std::string& preset, const std::string& st
     }
     result.changeMicros[name] = median(perChange);
     log << "   " << name << ": " << fixed(result.changeMicros[name], 1) << " us per change\n";
+    host.release();
   }
-  host.release();
   return true;
 }
 

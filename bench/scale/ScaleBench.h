@@ -14,9 +14,9 @@
 // - DOM parse: the CPU time of nlohmann::json::parse of the document's text,
 //   already in memory (the yardstick of load);
 // - per change kind: N change lines of that kind (ChurnStream) applied
-//   in-process through AgentHost, over one agent built with the plug-in's
-//   factory as the program does; CPU time / N. The kinds run in sequence over
-//   the same agent, in ChurnStream::kinds() order.
+//   in-process through AgentHost, over an agent built afresh for the kind
+//   with the plug-in's factory as the program does; CPU time / N. The rounds
+//   of one kind continue one stream over the same agent.
 #pragma once
 
 #include <cstddef>
