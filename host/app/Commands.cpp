@@ -18,6 +18,7 @@
 #include "host/app/PluginLoader.h"
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
+#include "host/snmp/AgentVersion.h"
 #include "host/snmp/MibView.h"
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
@@ -264,8 +265,13 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
   const MibView view(host->mib());
   SnmpFrontEnd snmp(loop, view);
   SnmpFrontEndOptions snmpOptions;
-  snmpOptions.community = options.community;
+  snmpOptions.community = options.noV2c ? std::string() : options.community;
   snmpOptions.snmpv3UserFile = options.snmpv3Users;
+  snmpOptions.persistentDir = options.snmpPersistentDir;
+  snmpOptions.sysDescr = kAgentDescription;
+  snmpOptions.sysContact = options.sysContact;
+  snmpOptions.sysName = options.sysName;
+  snmpOptions.sysLocation = options.sysLocation;
   snmpOptions.agentxPingIntervalSeconds = options.agentxPingInterval;
   if (!options.agentx.empty()) {
     snmpOptions.agentxSocket = options.agentx;
@@ -280,6 +286,9 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
   }
   if (!options.agentx.empty()) {
     std::cerr << "qos-snmp-agent: serving the QoS MIB as an AgentX subagent of " << options.agentx << '\n';
+  } else if (snmpOptions.community.empty()) {
+    std::cerr << "qos-snmp-agent: serving the QoS MIB on " << snmpOptions.listen
+              << " to SNMPv3 users only (authPriv)\n";
   } else {
     std::cerr << "qos-snmp-agent: serving the QoS MIB on " << snmpOptions.listen << " (community "
               << options.community << "); walk it with:\n"

@@ -75,6 +75,7 @@ using Type = SnmpValue::Type;
 
 constexpr std::array<std::uint32_t, 8> kModuleOid = {1, 3, 6, 1, 4, 1, 32473, 1};
 constexpr std::array<std::uint32_t, 9> kObjectsOid = {1, 3, 6, 1, 4, 1, 32473, 1, 1};
+constexpr std::array<std::uint32_t, 9> kAgentObjectId = {1, 3, 6, 1, 4, 1, 32473, 1, 3};
 // Under a table: <table>.1 is the entry, <table>.1.<column> a column.
 constexpr std::uint32_t kEntrySubId = 1;
 
@@ -548,6 +549,8 @@ VarBind exception(OidSpan oid, SnmpException e) {
 OidSpan MibView::moduleOid() noexcept { return kModuleOid; }
 
 OidSpan MibView::objectsOid() noexcept { return kObjectsOid; }
+
+OidSpan MibView::agentObjectId() noexcept { return kAgentObjectId; }
 
 std::span<const MibTableInfo> MibView::tables() noexcept { return kTableInfos; }
 

@@ -115,6 +115,8 @@ class MibView {
   static OidSpan moduleOid() noexcept;
   // qosSnmpObjects, the subtree holding every table: 1.3.6.1.4.1.32473.1.1.
   static OidSpan objectsOid() noexcept;
+  // qosSnmpAgentId, the agent's sysObjectID: 1.3.6.1.4.1.32473.1.3.
+  static OidSpan agentObjectId() noexcept;
   // The ten tables in OID order.
   static std::span<const MibTableInfo> tables() noexcept;
 
