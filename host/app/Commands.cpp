@@ -19,6 +19,7 @@
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
 #include "host/snmp/AgentVersion.h"
+#include "host/snmp/MibAgentStatus.h"
 #include "host/snmp/MibView.h"
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
@@ -164,8 +165,9 @@ int openChangeStream(const std::string& path) {
 // a virtual clock.
 class ChangeFollower {
  public:
-  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd)
-      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd) {
+  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd,
+                 MibAgentStatus& agentStatus)
+      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd), agentStatus_(agentStatus) {
     loop_.fdReadableIs(fd, [this] { read(); });
   }
   ~ChangeFollower() { close(); }
@@ -184,8 +186,13 @@ class ChangeFollower {
       Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
       if (!change) {
         std::cerr << change.error().text() << '\n';
-      } else if (change->op == Change::Op::advance) {
+        agentStatus_.changeRefused();
+        continue;
+      }
+      if (change->op == Change::Op::advance) {
         resumeAt_ = Kel::System::currentTime() + change->seconds;
+      } else {
+        agentStatus_.changeAppliedIs(MibAgentStatus::Clock::now());
       }
     }
     return 1.0;
@@ -214,6 +221,7 @@ class ChangeFollower {
   Kel::ActivityManager& loop_;
   std::string name_;
   LineReader reader_;
+  MibAgentStatus& agentStatus_;
   bool closed_ = false;
   std::deque<std::pair<std::string, std::size_t>> pending_;
   double resumeAt_ = 0.0;
@@ -262,7 +270,9 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     loop.stop();
   });
 
-  const MibView view(host->mib());
+  MibAgentStatus agentStatus;
+  agentStatus.stateLoadedIs(MibAgentStatus::Clock::now());
+  const MibView view(host->mib(), &agentStatus);
   SnmpFrontEnd snmp(loop, view);
   SnmpFrontEndOptions snmpOptions;
   snmpOptions.community = options.noV2c ? std::string() : options.community;
@@ -279,6 +289,7 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     snmpOptions.listen = options.listen.empty() ? "udp:127.0.0.1:1161" : options.listen;
   }
   try {
+    agentStatus.upTimeOrigin = MibAgentStatus::Clock::now();  // sysUpTime starts with the agent
     snmp.start(snmpOptions);
   } catch (const std::exception& error) {
     std::cerr << "qos-snmp-agent: " << error.what() << '\n';
@@ -303,8 +314,8 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     if (fd < 0) {
       return kSetUpFailed;
     }
-    follower = std::make_unique<ChangeFollower>(*host, loop,
-                                                options.changes == "-" ? "(stdin)" : options.changes, fd);
+    follower = std::make_unique<ChangeFollower>(
+        *host, loop, options.changes == "-" ? "(stdin)" : options.changes, fd, agentStatus);
   }
   while (!stopping) {
     const double wait = follower ? follower->applyDue() : 1.0;

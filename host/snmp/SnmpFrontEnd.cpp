@@ -270,6 +270,14 @@ void setValue(netsnmp_variable_list* varBind, const SnmpValue& value) {
     case SnmpValue::Type::octetString:
       snmp_set_var_typed_value(varBind, ASN_OCTET_STR, value.octets.data(), value.octets.size());
       break;
+    case SnmpValue::Type::counter32:
+    case SnmpValue::Type::timeTicks: {
+      const auto number = static_cast<u_long>(value.number);
+      snmp_set_var_typed_value(varBind,
+                               value.type == SnmpValue::Type::counter32 ? ASN_COUNTER : ASN_TIMETICKS,
+                               &number, sizeof number);
+      break;
+    }
   }
 }
 

@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <fstream>
 #include <initializer_list>
 #include <sstream>
@@ -82,6 +83,18 @@ std::string toolValue(const SnmpValue& value) {
       return "Gauge32: " + std::to_string(value.number);
     case SnmpValue::Type::counter64:
       return "Counter64: " + std::to_string(value.number);
+    case SnmpValue::Type::counter32:
+      return "Counter32: " + std::to_string(value.number);
+    case SnmpValue::Type::timeTicks: {
+      // Less than a day in these tests.
+      const std::uint64_t t = value.number;
+      char text[64];
+      std::snprintf(text, sizeof text, "Timeticks: (%llu) %llu:%02llu:%02llu.%02llu",
+                    static_cast<unsigned long long>(t), static_cast<unsigned long long>(t / 360000),
+                    static_cast<unsigned long long>(t / 6000 % 60),
+                    static_cast<unsigned long long>(t / 100 % 60), static_cast<unsigned long long>(t % 100));
+      return text;
+    }
     case SnmpValue::Type::octetString:
       break;
   }
