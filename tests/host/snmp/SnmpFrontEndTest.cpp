@@ -113,6 +113,39 @@ std::string toolLine(const VarBind& varBind) {
   return dotted(varBind.oid) + " = " + toolValue(varBind.value);
 }
 
+Oid parseDotted(const std::string& text) {
+  Oid oid;
+  std::istringstream in(text);
+  std::string part;
+  while (std::getline(in, part, '.')) {
+    if (!part.empty()) {
+      oid.push_back(static_cast<std::uint32_t>(std::stoul(part)));
+    }
+  }
+  return oid;
+}
+
+// The SNMPv3 engine scalars, which the embedded master serves after the
+// module (their values change; only their OIDs are compared).
+const std::vector<Oid> kEngineScalars = {
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 1, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 2, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 3, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 4, 0},
+};
+
+// One varbind of a GETBULK response as the tool prints it: the OID, and
+// whether it is endOfMibView.
+struct BulkItem {
+  Oid oid;  // empty for endOfMibView
+  bool end = false;
+  friend bool operator==(const BulkItem&, const BulkItem&) = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const BulkItem& item) {
+  return out << (item.end ? "endOfMibView" : dotted(item.oid));
+}
+
 // The module as the view walks it, one snmpwalk -On line per instance.
 Lines viewWalk(const MibView& view) {
   Lines lines;
@@ -311,6 +344,139 @@ TEST_F(SnmpFrontEndTest, MasterBulkWalkAgreesWithWalk) {
   ASSERT_EQ(plain.status, 0) << plain;
   EXPECT_EQ(bulk.lines(), plain.lines());
   EXPECT_EQ(bulk.lines(), expectedMasterWalk());
+}
+
+// The GETBULK matrix: non-repeaters 0, 1 and many, max-repetitions 0, 1, 2
+// and 2^31-1, with repeaters that reach endOfMibView in the first and in
+// later repetitions. The answer must be the successors the view and the
+// engine scalars give, cut only where the agent caps a response (100
+// varbinds) or where every repeater has ended.
+TEST_F(SnmpFrontEndTest, MasterAnswersGetBulkAcrossTheMatrix) {
+  const std::string address = startMaster();
+  std::vector<Oid> served;
+  for (VarBind vb = view_.next(MibView::moduleOid()); vb.exception == SnmpException::none;
+       vb = view_.next(vb.oid)) {
+    served.push_back(vb.oid);
+  }
+  ASSERT_GT(served.size(), 200U);
+  const Oid lastOfModule = served.back();
+  served.insert(served.end(), kEngineScalars.begin(), kEngineScalars.end());
+  auto successor = [&served](const BulkItem& item) {
+    if (item.end) {
+      return item;
+    }
+    const auto it = std::upper_bound(served.begin(), served.end(), item.oid);
+    return it == served.end() ? BulkItem{{}, true} : BulkItem{*it, false};
+  };
+
+  const std::vector<Oid> nonRepeaterStarts = {parseDotted(kModule), kEngineScalars.back(), lastOfModule};
+  const std::vector<Oid> repeaterStarts = {
+      parseDotted(kModule),       // runs on for the whole response
+      served[served.size() / 2],  // from the middle of the module
+      lastOfModule,               // ends in the fifth repetition
+      kEngineScalars.back(),      // ends in the first repetition
+  };
+  constexpr std::size_t kMaxResponse = 100;
+  for (const std::size_t nonRepeaters : {0U, 1U, 3U}) {
+    for (const long maxRepetitions : {0L, 1L, 2L, 2147483647L}) {
+      std::vector<std::string> argv = {"snmpbulkget",
+                                       "-v2c",
+                                       "-c",
+                                       "public",
+                                       "-On",
+                                       "-t",
+                                       "5",
+                                       "-r",
+                                       "1",
+                                       "-Cn" + std::to_string(nonRepeaters),
+                                       "-Cr" + std::to_string(maxRepetitions),
+                                       address};
+      std::vector<BulkItem> expected;
+      for (std::size_t i = 0; i < nonRepeaters; ++i) {
+        argv.push_back(dotted(nonRepeaterStarts[i]));
+        expected.push_back(successor({nonRepeaterStarts[i], false}));
+      }
+      std::vector<BulkItem> current;
+      for (const Oid& start : repeaterStarts) {
+        argv.push_back(dotted(start));
+        current.push_back({start, false});
+      }
+      // The agent caps the repetitions at 100 varbinds (non-repeaters aside).
+      const long fit = static_cast<long>(kMaxResponse / repeaterStarts.size());
+      std::size_t mustHave = expected.size();
+      for (long repetition = 0; repetition < std::min(maxRepetitions, fit); ++repetition) {
+        bool allEnded = true;
+        for (BulkItem& item : current) {
+          item = successor(item);
+          expected.push_back(item);
+          allEnded = allEnded && item.end;
+        }
+        if (!allEnded) {
+          mustHave = expected.size();
+        }
+      }
+      const std::uint64_t answeredBefore = frontEnd_.varbindsAnswered();
+      const ToolRun run = tool(argv);
+      const std::string label =
+          "-Cn" + std::to_string(nonRepeaters) + " -Cr" + std::to_string(maxRepetitions);
+      ASSERT_EQ(run.status, 0) << label << ": " << run;
+      std::vector<BulkItem> actual;
+      for (const std::string& line : run.lines()) {
+        const auto equals = line.find(" = ");
+        if (equals == std::string::npos || !line.starts_with(".")) {
+          continue;  // a continuation line of a hexadecimal engine ID
+        }
+        // The agent names an endOfMibView varbind as it likes: only the
+        // exception is compared.
+        const bool end = line.find("No more variables left in this MIB View") != std::string::npos;
+        actual.push_back({end ? Oid{} : parseDotted(line.substr(0, equals)), end});
+        const Oid& oid = actual.back().oid;
+        if (!actual.back().end && oid.size() > 8 &&
+            std::equal(MibView::moduleOid().begin(), MibView::moduleOid().end(), oid.begin())) {
+          EXPECT_EQ(line, toolLine(view_.get(oid))) << label;
+        }
+      }
+      ASSERT_LE(actual.size(), expected.size()) << label << ": " << run.out;
+      ASSERT_GE(actual.size(), mustHave) << label << ": " << run.out;
+      for (std::size_t i = 0; i < actual.size(); ++i) {
+        ASSERT_EQ(actual[i], expected[i]) << label << ", varbind " << i << ": " << run.out;
+      }
+      EXPECT_LE(actual.size(), nonRepeaters + kMaxResponse) << label;
+      // Work per request is bounded by the response, not by max-repetitions.
+      EXPECT_LE(frontEnd_.varbindsAnswered() - answeredBefore, 2 * kMaxResponse) << label;
+    }
+  }
+}
+
+// SNMPv1: a GET naming a missing instance or a Counter64 answers noSuchName
+// with the index of that varbind, and a walk passes over the Counter64
+// columns and finishes.
+TEST_F(SnmpFrontEndTest, MasterAnswersSnmpV1WithNoSuchNameAndWalksWithoutCounter64) {
+  const std::string address = startMaster();
+  const VarBind counter = firstOfType(view_, SnmpValue::Type::counter64);
+  const VarBind name = firstOfType(view_, SnmpValue::Type::octetString);
+  Oid missing = name.oid;
+  missing.push_back(7);
+  for (const Oid& bad : {missing, counter.oid}) {
+    const ToolRun run = tool({"snmpget", "-v1", "-c", "public", "-On", "-t", "3", "-r", "1", "-Cf", address,
+                              dotted(name.oid), dotted(bad), dotted(name.oid)});
+    EXPECT_NE(run.status, 0) << run;
+    const std::string all = run.out + run.err;
+    EXPECT_NE(all.find("(noSuchName)"), std::string::npos) << all;
+    EXPECT_NE(all.find("Failed object: " + dotted(bad) + "\n"), std::string::npos) << all;
+  }
+
+  const ToolRun walkV1 =
+      tool({"snmpwalk", "-v1", "-c", "public", "-On", "-t", "3", "-r", "3", address, kModule});
+  ASSERT_EQ(walkV1.status, 0) << walkV1;
+  Lines expected;
+  for (const std::string& line : viewWalk(view_)) {
+    if (line.find(" = Counter64: ") == std::string::npos) {
+      expected.push_back(line);
+    }
+  }
+  EXPECT_EQ(walkV1.lines(), expected);
+  EXPECT_LT(expected.size(), viewWalk(view_).size());
 }
 
 TEST_F(SnmpFrontEndTest, MasterGetAnswersCellsAndExceptions) {
@@ -768,6 +934,38 @@ class SnmpFrontEndAgentxTest : public SnmpFrontEndTest {
   std::string socket_ = dir_ / "agentx.sock";
   Snmpd snmpd_{dir_, socket_};
 };
+
+// Through snmpd, GETBULK of every shape reaches the subagent as GETNEXTs:
+// no genErr, and every varbind of the module is the view's.
+TEST_F(SnmpFrontEndAgentxTest, SubagentAnswersGetBulkThroughSnmpdWithoutErrors) {
+  snmpd_.start(loop_, toolEnvironment());
+  startSubagent(socket_);
+  waitForRegistration();
+  const Lines walked = viewWalk(view_);
+  const std::string middle = walked[walked.size() / 2].substr(0, walked[walked.size() / 2].find(" = "));
+  const std::string last = walked.back().substr(0, walked.back().find(" = "));
+  for (const std::size_t nonRepeaters : {0U, 1U, 3U}) {
+    for (const long maxRepetitions : {0L, 1L, 2L, 2147483647L}) {
+      const std::string label =
+          "-Cn" + std::to_string(nonRepeaters) + " -Cr" + std::to_string(maxRepetitions);
+      const ToolRun run = tool({"snmpbulkget", "-v2c", "-c", "public", "-On", "-t", "5", "-r", "1",
+                                "-Cn" + std::to_string(nonRepeaters), "-Cr" + std::to_string(maxRepetitions),
+                                snmpd_.address(), kModule, middle, last, kModule, middle, last});
+      ASSERT_EQ(run.status, 0) << label << ": " << run;
+      EXPECT_EQ(run.err.find("genErr"), std::string::npos) << label << ": " << run;
+      EXPECT_EQ(run.out.find("Error"), std::string::npos) << label << ": " << run.out;
+      std::size_t inModule = 0;
+      for (const std::string& line : run.lines()) {
+        const std::string oid = line.substr(0, line.find(" = "));
+        if (oid.starts_with(std::string(".") + kModule + ".")) {
+          EXPECT_EQ(line, toolLine(view_.get(parseDotted(oid)))) << label;
+          ++inModule;
+        }
+      }
+      EXPECT_GE(inModule, std::min<std::size_t>(nonRepeaters, 2)) << label << ": " << run.out;
+    }
+  }
+}
 
 TEST_F(SnmpFrontEndAgentxTest, SubagentServesTheWalkThroughSnmpd) {
   snmpd_.start(loop_, toolEnvironment());
