@@ -35,6 +35,8 @@
 #include "QosSnmp/core/ServicePolicyKey.h"
 #include "QosSnmp/servicepolicy/ServicePolicyTestSupport.h"
 #include "QosSnmp/stats/HwStatusTestSupport.h"
+#include "host/snmp/MibReference.h"
+#include "host/snmp/PopulatedMib.h"
 #include "host/snmp/SnmpToolTestSupport.h"
 #include "kel/Make.h"
 #include "kel/System.h"
@@ -477,6 +479,42 @@ TEST_F(SnmpFrontEndTest, MasterAnswersSnmpV1WithNoSuchNameAndWalksWithoutCounter
   }
   EXPECT_EQ(walkV1.lines(), expected);
   EXPECT_LT(expected.size(), viewWalk(view_).size());
+}
+
+// Walk order with no row, one row and many rows in every table, names of
+// every length and bytes, and rows the MIB cannot name: snmpwalk (which
+// checks that OIDs increase), snmpbulkwalk -Cr10 and -Cr50 all finish,
+// print the same, and return exactly the instances of the reference list.
+// Strings are printed in hexadecimal (-Ox): names hold any byte.
+TEST_F(SnmpFrontEndTest, WalksAgreeWithTheReferenceForNoneOneAndManyRows) {
+  auto oidsOf = [](const ToolRun& run) {
+    std::vector<Oid> oids;
+    for (const std::string& line : run.lines()) {
+      const auto equals = line.find(" = ");
+      if (line.starts_with(".") && equals != std::string::npos) {
+        oids.push_back(parseDotted(line.substr(0, equals)));
+      }
+    }
+    return oids;
+  };
+  for (const int rows : {0, 1, 3, 300}) {
+    const QosSnmpHostTest::PopulatedMib populated(static_cast<unsigned>(rows) + 11, rows);
+    const MibView view(populated.mib());
+    const std::vector<Oid> expected = QosSnmpHostTest::expectedInstances(populated.mib());
+    SnmpFrontEnd frontEnd(loop_, view);
+    SnmpFrontEndOptions options;
+    options.listen = "udp:127.0.0.1:" + std::to_string(freeUdpPort());
+    frontEnd.start(options);
+    const ToolRun plain = walk(options.listen, "snmpwalk", {"-Ox"});
+    ASSERT_EQ(plain.status, 0) << rows << " rows: " << plain;
+    EXPECT_EQ(oidsOf(plain), expected) << rows << " rows";
+    for (const char* repetitions : {"-Cr10", "-Cr50"}) {
+      const ToolRun bulk = walk(options.listen, "snmpbulkwalk", {"-Ox", repetitions});
+      ASSERT_EQ(bulk.status, 0) << rows << " rows, " << repetitions << ": " << bulk;
+      EXPECT_EQ(bulk.out, plain.out) << rows << " rows, " << repetitions;
+    }
+    frontEnd.stop();
+  }
 }
 
 TEST_F(SnmpFrontEndTest, MasterGetAnswersCellsAndExceptions) {

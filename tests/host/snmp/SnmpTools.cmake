@@ -1,0 +1,11 @@
+# Script tests of the SNMP layer against outside tools, included by
+# tests/host/CMakeLists.txt.
+#   PrometheusModule   contrib/prometheus: the Debian generator writes the
+#                      shipped snmp.yml, and snmp_exporter scrapes the
+#                      example agent with it (class and policy names as
+#                      labels of the counters).
+if(TARGET qos-snmp-agent)
+  add_test(NAME PrometheusModule COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/snmp/prometheus-module.sh
+                                         $<TARGET_FILE:qos-snmp-agent>)
+  set_tests_properties(PrometheusModule PROPERTIES TIMEOUT 120)
+endif()
