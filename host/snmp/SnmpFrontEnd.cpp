@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include <net-snmp/net-snmp-config.h>
@@ -228,6 +229,35 @@ bool userExists(const std::string& name) {
   return false;
 }
 
+// The library reads SNMPCONFPATH and SNMP_PERSISTENT_FILE from the
+// environment ahead of the paths it is given: a configuration path of the
+// user's would be read, and the persistent directory ignored. While the
+// library reads or writes its files, they are hidden; the environment is
+// restored afterwards.
+class LibraryEnvironmentHidden {
+ public:
+  LibraryEnvironmentHidden() {
+    for (const char* name : kNames) {
+      const char* value = std::getenv(name);
+      saved_.emplace_back(name, value != nullptr ? std::optional<std::string>(value) : std::nullopt);
+      ::unsetenv(name);
+    }
+  }
+  ~LibraryEnvironmentHidden() {
+    for (const auto& [name, value] : saved_) {
+      if (value) {
+        ::setenv(name, value->c_str(), 1);
+      }
+    }
+  }
+  LibraryEnvironmentHidden(const LibraryEnvironmentHidden&) = delete;
+  LibraryEnvironmentHidden& operator=(const LibraryEnvironmentHidden&) = delete;
+
+ private:
+  static constexpr const char* kNames[] = {"SNMPCONFPATH", "SNMP_PERSISTENT_FILE"};
+  std::vector<std::pair<const char*, std::optional<std::string>>> saved_;
+};
+
 // The users of the user file live in memory only: none is saved to the
 // persistent directory (a user taken out of the file must lose access at
 // the next start), and a user found there that the file does not name is
@@ -371,6 +401,7 @@ void SnmpFrontEnd::configureLibrary(const SnmpFrontEndOptions& options, const Sn
 }
 
 void SnmpFrontEnd::startLibrary(const SnmpUserFile& users) {
+  const LibraryEnvironmentHidden hidden;
   init_agent(applicationName_.c_str());
   if (master_) {
     init_vacm_vars();
@@ -439,6 +470,7 @@ void SnmpFrontEnd::shutDownLibrary() {
   // A connected subagent's session is shut down by a library callback,
   // which also re-arms the library's subagent set-up.
   const bool subagentConnected = !master_ && main_session != nullptr;
+  const LibraryEnvironmentHidden hidden;
   snmp_shutdown(applicationName_.c_str());
   if (master_) {
     shutdown_master_agent();

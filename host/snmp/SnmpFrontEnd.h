@@ -46,7 +46,10 @@
 // name, and it logs to standard error.
 //
 // Process-wide effects: a subagent sets SIGPIPE to ignored when it is still
-// at its default (a master that goes away must not end the process).
+// at its default (a master that goes away must not end the process), and
+// SNMPCONFPATH and SNMP_PERSISTENT_FILE are taken out of the environment
+// while the library starts and stops (they would override the paths above),
+// then put back.
 //
 // Event loop: the front end is a TurnHook of the ActivityManager. Each turn
 // it asks net-snmp for its current descriptors and next timeout (never

@@ -4,8 +4,15 @@
 #                      shipped snmp.yml, and snmp_exporter scrapes the
 #                      example agent with it (class and policy names as
 #                      labels of the counters).
+#   RunPollerView      `run` as a poller sees it: the system group from the
+#                      options, the agent group following the change
+#                      stream, the engine ID kept across a restart,
+#                      --no-v2c.
 if(TARGET qos-snmp-agent)
   add_test(NAME PrometheusModule COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/snmp/prometheus-module.sh
                                          $<TARGET_FILE:qos-snmp-agent>)
   set_tests_properties(PrometheusModule PROPERTIES TIMEOUT 120)
+  add_test(NAME RunPollerView COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/snmp/run-poller-view.sh
+                                      $<TARGET_FILE:qos-snmp-agent>)
+  set_tests_properties(RunPollerView PROPERTIES TIMEOUT 120)
 endif()
