@@ -128,7 +128,11 @@ SnmpValue fullName(std::string_view name) {
 
 }  // namespace
 
-// What the view derives from the model and keeps between queries.
+// What the view derives from the model and keeps between queries. The
+// discontinuity record is keyed by the address of a row in its MibTable,
+// which stays the same until the row is replaced or deleted (MibTable's
+// contract); a replaced or new row at an old address is told apart by its
+// counter entity.
 struct MibView::State {
   State(const QosMib& model, const MibAgentStatus* given) : mib(model), status(given ? given : &noStatus) {}
 
