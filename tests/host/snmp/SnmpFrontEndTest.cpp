@@ -42,13 +42,17 @@
 #include "kel/System.h"
 
 // net-snmp keeps a few blocks of every start past its shutdown (its MIB hash
-// table and its certificate containers); LeakSanitizer builds ignore those,
-// and only those. The sanitizer runtime looks this hook up by name.
+// table, its certificate containers, and per start of the system group its
+// sysORTable entries and one variable of a restarted agent);
+// LeakSanitizer builds ignore those, and only those. The sanitizer runtime
+// looks this hook up by name.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:netsnmp_init_mib_internals\n"
          "leak:netsnmp_container_get_binary_array\n"
-         "leak:netsnmp_certs_agent_init\n";
+         "leak:netsnmp_certs_agent_init\n"
+         "leak:init_sysORTable\n"
+         "leak:snmp_varlist_add_variable\n";
 }
 
 namespace QosSnmpHost {
