@@ -104,6 +104,12 @@ CommandLine::CommandLine() {
   listen->excludes(agentx);
   runApp->add_option("--community", run.community, "SNMPv1/v2c read-only community (default public)");
   runApp->add_option("--snmpv3-users", run.snmpv3Users, "SNMPv3 users file (see the README)");
+  runApp->add_flag("--no-v2c", run.noV2c, "No SNMPv1/v2c access: SNMPv3 users (authPriv) only");
+  runApp->add_option("--snmp-persistent-dir", run.snmpPersistentDir,
+                     "Directory that keeps the SNMPv3 engine ID and boot count across restarts");
+  runApp->add_option("--sys-contact", run.sysContact, "sysContact of the embedded agent");
+  runApp->add_option("--sys-name", run.sysName, "sysName of the embedded agent");
+  runApp->add_option("--sys-location", run.sysLocation, "sysLocation of the embedded agent");
   runApp
       ->add_option("--agentx-ping-interval", run.agentxPingInterval,
                    "Seconds between AgentX pings and reconnection attempts (default 15)")

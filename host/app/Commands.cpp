@@ -25,6 +25,7 @@
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
 #include "host/log/Logger.h"
+#include "host/snmp/MibAgentStatus.h"
 #include "host/snmp/MibView.h"
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
@@ -238,8 +239,9 @@ int openChangeStream(const std::string& path) {
 // a virtual clock.
 class ChangeFollower {
  public:
-  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd)
-      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd) {
+  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd,
+                 MibAgentStatus& agentStatus)
+      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd), agentStatus_(agentStatus) {
     loop_.fdReadableIs(fd, [this] { read(); });
   }
   ~ChangeFollower() { close(); }
@@ -258,8 +260,13 @@ class ChangeFollower {
       Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
       if (!change) {
         Logger::warning("changes", change.error().text());
-      } else if (change->op == Change::Op::advance) {
+        agentStatus_.changeRefused();
+        continue;
+      }
+      if (change->op == Change::Op::advance) {
         resumeAt_ = Kel::System::currentTime() + change->seconds;
+      } else {
+        agentStatus_.changeAppliedIs(MibAgentStatus::Clock::now());
       }
     }
     return 1.0;
@@ -275,6 +282,7 @@ class ChangeFollower {
           Logger::warning(
               "changes",
               overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text());
+          agentStatus_.changeRefused();
         });
     if (reader_.ended()) {
       Logger::notice("changes", name_ + ": change stream ended; still serving");
@@ -294,6 +302,7 @@ class ChangeFollower {
   Kel::ActivityManager& loop_;
   std::string name_;
   LineReader reader_;
+  MibAgentStatus& agentStatus_;
   bool closed_ = false;
   std::deque<std::pair<std::string, std::size_t>> pending_;
   double resumeAt_ = 0.0;
@@ -340,7 +349,9 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
     Logger::info("main", "configuration read from " + common.config);
   }
   Kel::ActivityManager loop(Kel::System::clock());
-  const MibView view(host->mib());
+  MibAgentStatus agentStatus;
+  agentStatus.stateLoadedIs(MibAgentStatus::Clock::now());
+  const MibView view(host->mib(), &agentStatus);
   SnmpFrontEnd snmp(loop, view);
   RunningAgent running{common, options, snmp};
   bool stopping = false;
@@ -358,6 +369,7 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
   });
 
   try {
+    agentStatus.upTimeOrigin = MibAgentStatus::Clock::now();  // sysUpTime starts with the agent
     snmp.start(running.snmpOptions());
   } catch (const std::exception& error) {
     Logger::error("snmp", error.what());
@@ -371,8 +383,8 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
     if (fd < 0) {
       return kSetUpFailed;
     }
-    follower = std::make_unique<ChangeFollower>(*host, loop,
-                                                options.changes == "-" ? "(stdin)" : options.changes, fd);
+    follower = std::make_unique<ChangeFollower>(
+        *host, loop, options.changes == "-" ? "(stdin)" : options.changes, fd, agentStatus);
   }
   while (!stopping && !running.failed()) {
     if (std::exchange(reloadDue, false)) {

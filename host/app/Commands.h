@@ -55,6 +55,11 @@ struct RunOptions {
   std::string agentx;
   std::string community = "public";
   std::string snmpv3Users;
+  bool noV2c = false;             // no SNMPv1/v2c access: SNMPv3 users only
+  std::string snmpPersistentDir;  // keeps the SNMPv3 engine ID; empty: none
+  std::string sysContact;
+  std::string sysName;
+  std::string sysLocation;
   int agentxPingInterval = 15;
 };
 

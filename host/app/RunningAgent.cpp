@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/BuildVersion.h"
 #include "host/app/PluginLoader.h"
 #include "host/log/Logger.h"
 #include "kel/Trace.h"
@@ -51,8 +52,14 @@ RunningAgent::RunningAgent(CommonOptions common, RunOptions options, SnmpFrontEn
 
 SnmpFrontEndOptions RunningAgent::snmpOptions() const {
   SnmpFrontEndOptions snmpOptions;
-  snmpOptions.community = options_.community;
+  snmpOptions.community = options_.noV2c ? std::string() : options_.community;
   snmpOptions.snmpv3UserFile = options_.snmpv3Users;
+  snmpOptions.persistentDir = options_.snmpPersistentDir;
+  // sysDescr: the program, its version (as --version says), what it is.
+  snmpOptions.sysDescr = "qos-snmp-agent " QOS_BUILD_VERSION ": the QoS SNMP agent of a switch";
+  snmpOptions.sysContact = options_.sysContact;
+  snmpOptions.sysName = options_.sysName;
+  snmpOptions.sysLocation = options_.sysLocation;
   snmpOptions.agentxPingIntervalSeconds = options_.agentxPingInterval;
   if (!options_.agentx.empty()) {
     snmpOptions.agentxSocket = options_.agentx;
@@ -72,6 +79,10 @@ void RunningAgent::announce() const {
   }
   const std::vector<std::string>& bound = snmp_.boundAddresses();
   const std::string address = bound.empty() ? snmpOptions().listen : bound.front();
+  if (options_.noV2c) {
+    Logger::info("main", "serving the QoS MIB on " + address + " to SNMPv3 users only (authPriv)");
+    return;
+  }
   Logger::info("main", "serving the QoS MIB on " + address + " (community " + options_.community + ")");
   Logger::info("main", "walk it with: snmpwalk -v2c -c " + options_.community + " " + mibSearchHint() +
                            " -m QOS-SNMP-MIB " + address + " qosSnmpMIB");

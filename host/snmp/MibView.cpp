@@ -6,10 +6,13 @@
 #include <optional>
 #include <ostream>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "QosSnmp/core/QosMib.h"
 #include "QosSnmp/core/UniqueId.h"
+#include "host/snmp/MibAgentStatus.h"
 #include "host/snmp/MibIndexCodec.h"
 
 namespace QosSnmpHost {
@@ -35,6 +38,20 @@ SnmpValue SnmpValue::counter64Is(std::uint64_t value) {
   return v;
 }
 
+SnmpValue SnmpValue::counter32Is(std::uint32_t value) {
+  SnmpValue v;
+  v.type = Type::counter32;
+  v.number = value;
+  return v;
+}
+
+SnmpValue SnmpValue::timeTicksIs(std::uint32_t value) {
+  SnmpValue v;
+  v.type = Type::timeTicks;
+  v.number = value;
+  return v;
+}
+
 SnmpValue SnmpValue::octetStringIs(std::string value) {
   SnmpValue v;
   v.type = Type::octetString;
@@ -48,6 +65,8 @@ std::ostream& operator<<(std::ostream& out, const SnmpValue& value) {
       return out << value.integer;
     case SnmpValue::Type::unsigned32:
     case SnmpValue::Type::counter64:
+    case SnmpValue::Type::counter32:
+    case SnmpValue::Type::timeTicks:
       return out << value.number;
     case SnmpValue::Type::octetString:
       break;
@@ -75,6 +94,7 @@ using Type = SnmpValue::Type;
 
 constexpr std::array<std::uint32_t, 8> kModuleOid = {1, 3, 6, 1, 4, 1, 32473, 1};
 constexpr std::array<std::uint32_t, 9> kObjectsOid = {1, 3, 6, 1, 4, 1, 32473, 1, 1};
+constexpr std::array<std::uint32_t, 9> kAgentObjectId = {1, 3, 6, 1, 4, 1, 32473, 1, 3};
 // Under a table: <table>.1 is the entry, <table>.1.<column> a column.
 constexpr std::uint32_t kEntrySubId = 1;
 
@@ -99,6 +119,115 @@ auto readOr(const P& entity, F&& read) -> decltype(read(*entity)) {
   return entity ? read(*entity) : R{};
 }
 
+// Names served in full are DisplayStrings: at most 255 bytes.
+constexpr std::size_t kMaxFullName = 255;
+
+SnmpValue fullName(std::string_view name) {
+  return text(name.substr(0, std::min(name.size(), kMaxFullName)));
+}
+
+}  // namespace
+
+// What the view derives from the model and keeps between queries. The
+// discontinuity record is keyed by the address of a row in its MibTable,
+// which stays the same until the row is replaced or deleted (MibTable's
+// contract); a replaced or new row at an old address is told apart by its
+// counter entity.
+struct MibView::State {
+  State(const QosMib& model, const MibAgentStatus* given) : mib(model), status(given ? given : &noStatus) {}
+
+  // The TimeStamp of now.
+  std::uint32_t now() const { return status->timeStamp(MibAgentStatus::Clock::now()); }
+
+  // The discontinuity time of the counted row at `row` whose counter
+  // entity is `entity` (see MibView.h). The entity is held, so that a new
+  // one can never be allocated where the last one seen was.
+  std::uint32_t discontinuity(const void* row, Kel::Ptr<const Kel::Entity> entity) {
+    auto [it, added] = seen.try_emplace(row, Seen{entity, 0});
+    if (added || it->second.entity != entity) {
+      it->second = Seen{std::move(entity), now()};
+    }
+    const std::uint32_t at = it->second.at;
+    if (added && seen.size() >= pruneAt) {
+      prune();
+    }
+    return at;
+  }
+
+  // The name of the interface with this ifIndex, or empty.
+  std::string intfName(Kel::S32 ifIndex) {
+    auto lookUp = [&]() -> std::optional<std::string> {
+      const auto it = intfByIfIndex.find(ifIndex);
+      if (it != intfByIfIndex.end() && mib.hasIntfIdToifIndex(it->second) &&
+          mib.intfIdToifIndex(it->second) == ifIndex) {
+        return it->second.stringValue();
+      }
+      return std::nullopt;
+    };
+    if (auto name = lookUp()) {
+      return *name;
+    }
+    // Rebuilt when the model may have changed since: always without a
+    // status, after a load or applied change with one.
+    if (status == &noStatus || !intfNamesBuilt || intfNamesGeneration != status->generation()) {
+      intfByIfIndex.clear();
+      for (const auto& [intf, index] : mib.intfIdToifIndex()) {
+        intfByIfIndex.try_emplace(index, intf);
+      }
+      intfNamesBuilt = true;
+      intfNamesGeneration = status->generation();
+      if (auto name = lookUp()) {
+        return *name;
+      }
+    }
+    return {};
+  }
+
+  void prune();
+
+  struct Seen {
+    Kel::Ptr<const Kel::Entity> entity;
+    std::uint32_t at;
+  };
+
+  const QosMib& mib;
+  MibAgentStatus noStatus;
+  const MibAgentStatus* status;
+  std::unordered_map<const void*, Seen> seen;
+  std::size_t pruneAt = 4096;
+  std::unordered_map<Kel::S32, Pellix::IntfId> intfByIfIndex;
+  bool intfNamesBuilt = false;
+  std::uint64_t intfNamesGeneration = 0;
+};
+
+namespace {
+
+// What a column's reader may consult besides its row.
+struct Context {
+  const QosMib& mib;
+  MibView::State& state;
+};
+
+// The full name of the policy map or class map indexed by a shortened name,
+// looked up in the policy-map or class-map table. Absent there, a name
+// shorter than the shortened names' length was never shortened and is its
+// own full name; a longer one is unknown (empty).
+std::string unshortened(const Snmp::String& name) {
+  return name.view().size() < QosSnmp::kUniqueIdMaxLength ? std::string(name.view()) : std::string();
+}
+std::string pmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
+  const auto* row =
+      mib.policyMapTable().find(QosSnmp::PolicyMapTableIndex(name, static_cast<Qos::MapType>(type)));
+  return row != nullptr && row->policyMapStatus ? row->policyMapStatus->name().stringValue()
+                                                : unshortened(name);
+}
+std::string cmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
+  const auto* row =
+      mib.classMapTable().find(QosSnmp::ClassMapTableIndex(name, static_cast<Qos::MapType>(type)));
+  return row != nullptr && row->classMapStatus ? row->classMapStatus->name().stringValue()
+                                               : unshortened(name);
+}
+
 // One table per struct: its rows in the MIB model, its columns as QOS-SNMP-MIB
 // declares them (index columns first, not accessible), and read(), the value
 // of an accessible column of one row.
@@ -116,9 +245,10 @@ struct ClassMapTable {
       {"qosClassMapCpStaticType", 4, Type::integer32, true},
       {"qosClassMapMatchCondition", 5, Type::integer32, true},
       {"qosClassMapMatchRules", 6, Type::unsigned32, true},
+      {"qosClassMapFullName", 7, Type::octetString, true},
   };
   static const QosMib::ClassMapTableRows& rows(const QosMib& mib) { return mib.classMapTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
     const auto& cmap = row.classMapStatus;
     switch (column) {
       case 3:
@@ -127,6 +257,8 @@ struct ClassMapTable {
         return enumValue(readOr(cmap, [](const auto& c) { return c.cpStaticType(); }));
       case 5:
         return enumValue(readOr(cmap, [](const auto& c) { return c.matchCondition(); }));
+      case 7:
+        return fullName(readOr(cmap, [](const auto& c) { return c.name().view(); }));
       default:
         return unsigned32(readOr(cmap, [](const auto& c) { return c.match().size(); }));
     }
@@ -145,13 +277,16 @@ struct ClassMapMatchTable {
       {"qosClassMapMatchIndex", 3, Type::unsigned32, false},
       {"qosClassMapMatchOption", 4, Type::integer32, true},
       {"qosClassMapMatchValue", 5, Type::octetString, true},
+      {"qosClassMapMatchCmapFullName", 6, Type::octetString, true},
   };
   static const QosMib::ClassMapMatchTableRows& rows(const QosMib& mib) { return mib.classMapMatchTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
     const auto& match = row.classMapMatch;
     switch (column) {
       case 4:
         return enumValue(readOr(match, [](const auto& m) { return m.option(); }));
+      case 6:
+        return fullName(readOr(row.classMapStatus, [](const auto& c) { return c.name().view(); }));
       default:
         return text(readOr(match, [](const auto& m) { return m.value().view(); }));
     }
@@ -169,13 +304,16 @@ struct PolicyMapTable {
       {"qosPolicyMapType", 2, Type::integer32, false},
       {"qosPolicyMapClasses", 3, Type::unsigned32, true},
       {"qosPolicyMapDefaultClass", 4, Type::octetString, true},
+      {"qosPolicyMapFullName", 5, Type::octetString, true},
   };
   static const QosMib::PolicyMapTableRows& rows(const QosMib& mib) { return mib.policyMapTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
     const auto& pmap = row.policyMapStatus;
     switch (column) {
       case 3:
         return unsigned32(readOr(pmap, [](const auto& p) { return p.classPrio().size(); }));
+      case 5:
+        return fullName(readOr(pmap, [](const auto& p) { return p.name().view(); }));
       default:
         return text(readOr(pmap, [](const auto& p) {
           const auto classDefault = p.classDefault();
@@ -196,10 +334,24 @@ struct PolicyMapClassTable {
       {"qosPolicyMapClassPmapType", 2, Type::integer32, false},
       {"qosPolicyMapClassPrio", 3, Type::unsigned32, false},
       {"qosPolicyMapClassCmapName", 4, Type::octetString, true},
+      {"qosPolicyMapClassPmapFullName", 5, Type::octetString, true},
+      {"qosPolicyMapClassCmapFullName", 6, Type::octetString, true},
   };
   static const QosMib::PolicyMapClassTableRows& rows(const QosMib& mib) { return mib.policyMapClassTable(); }
-  static SnmpValue read(std::uint32_t, const Index&, const Row& row, const QosMib&) {
-    return text(row.cmapName.view());
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+    switch (column) {
+      case 4:
+        return text(row.cmapName.view());
+      case 5:
+        return fullName(readOr(row.policyMapStatus, [](const auto& p) { return p.name().view(); }));
+      default: {
+        const auto prio = row.policyMapStatus ? row.policyMapStatus->classPrio(index.prio()) : nullptr;
+        if (prio) {
+          return fullName(prio->cmapName().view());
+        }
+        return fullName(cmapFullName(ctx.mib, row.cmapName, static_cast<Kel::S32>(index.type())));
+      }
+    }
   }
 };
 
@@ -223,11 +375,13 @@ struct PolicyMapActionTable {
       {"qosPolicyMapActionHwStatus", 11, Type::integer32, true},
       {"qosPolicyMapActionHwShapeRate", 12, Type::counter64, true},
       {"qosPolicyMapActionHwBandwidth", 13, Type::counter64, true},
+      {"qosPolicyMapActionPmapFullName", 14, Type::octetString, true},
+      {"qosPolicyMapActionCmapFullName", 15, Type::octetString, true},
   };
   static const QosMib::PolicyMapActionTableRows& rows(const QosMib& mib) {
     return mib.policyMapActionTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
     const auto& action = row.action;
     const auto& hw = row.classMapHwStatus;
     switch (column) {
@@ -247,6 +401,11 @@ struct PolicyMapActionTable {
         return enumValue(readOr(hw, [](const auto& h) { return h.programmingStatus(); }));
       case 12:
         return gauge64(readOr(hw, [](const auto& h) { return h.shapeRate(); }));
+      case 14:
+        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+      case 15:
+        return row.classAction ? fullName(row.classAction->name().view())
+                               : fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
       default:
         return gauge64(readOr(hw, [](const auto& h) { return h.bandwidth(); }));
     }
@@ -269,9 +428,12 @@ struct QosStatsTable {
       {"qosStatsDroppedPackets", 7, Type::counter64, true},
       {"qosStatsDroppedBytes", 8, Type::counter64, true},
       {"qosStatsHwStatus", 9, Type::integer32, true},
+      {"qosStatsPmapFullName", 10, Type::octetString, true},
+      {"qosStatsCmapFullName", 11, Type::octetString, true},
+      {"qosStatsDiscontinuityTime", 12, Type::timeTicks, true},
   };
   static const QosMib::QosStatsTableRows& rows(const QosMib& mib) { return mib.qosStatsTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
     const auto& c = row.counter;
     switch (column) {
       case 5:
@@ -282,6 +444,13 @@ struct QosStatsTable {
         return counter(readOr(c, [](const auto& k) { return k.droppedPackets(); }));
       case 8:
         return counter(readOr(c, [](const auto& k) { return k.droppedBytes(); }));
+      case 10:
+        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+      case 11:
+        return c ? fullName(c->name().view())
+                 : fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
+      case 12:
+        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, c));
       default:
         return enumValue(readOr(row.classMapHwStatus, [](const auto& h) { return h.programmingStatus(); }));
     }
@@ -305,11 +474,15 @@ struct QosPolicerStatsTable {
       {"qosPolicerStatsExceededBytes", 8, Type::counter64, true},
       {"qosPolicerStatsViolatedPackets", 9, Type::counter64, true},
       {"qosPolicerStatsViolatedBytes", 10, Type::counter64, true},
+      {"qosPolicerStatsPmapFullName", 11, Type::octetString, true},
+      {"qosPolicerStatsCmapFullName", 12, Type::octetString, true},
+      {"qosPolicerStatsIntfName", 13, Type::octetString, true},
+      {"qosPolicerStatsDiscontinuityTime", 14, Type::timeTicks, true},
   };
   static const QosMib::QosPolicerStatsTableRows& rows(const QosMib& mib) {
     return mib.qosPolicerStatsTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
     const auto& p = row.policerHwStatus;
     switch (column) {
       case 5:
@@ -322,6 +495,14 @@ struct QosPolicerStatsTable {
         return counter(readOr(p, [](const auto& s) { return s.exceededBytes(); }));
       case 9:
         return counter(readOr(p, [](const auto& s) { return s.violatedPackets(); }));
+      case 11:
+        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+      case 12:
+        return fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
+      case 13:
+        return text(p ? p->intfName().view() : std::string_view(ctx.state.intfName(index.ifIndex())));
+      case 14:
+        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, p));
       default:
         return counter(readOr(p, [](const auto& s) { return s.violatedBytes(); }));
     }
@@ -339,12 +520,18 @@ struct ServicePolicyTable {
       {"qosServicePolicyDirection", 2, Type::integer32, false},
       {"qosServicePolicyPmapName", 3, Type::octetString, true},
       {"qosServicePolicyPmapType", 4, Type::integer32, true},
+      {"qosServicePolicyPmapFullName", 5, Type::octetString, true},
+      {"qosServicePolicyIntfName", 6, Type::octetString, true},
   };
   static const QosMib::ServicePolicyTableRows& rows(const QosMib& mib) { return mib.servicePolicyTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
     switch (column) {
       case 3:
         return text(row.pmapName.view());
+      case 5:
+        return fullName(row.servicePolicyKey.pmapName().view());
+      case 6:
+        return text(ctx.state.intfName(index.ifIndex()));
       default:
         return enumValue(row.servicePolicyKey.type());
     }
@@ -362,15 +549,21 @@ struct EcnCounterTable {
       {"qosEcnCounterMarkedPackets", 2, Type::counter64, true},
       {"qosEcnCounterMarkedBytes", 3, Type::counter64, true},
       {"qosEcnCounterDroppedPackets", 4, Type::counter64, true},
+      {"qosEcnCounterChipFullName", 5, Type::octetString, true},
+      {"qosEcnCounterDiscontinuityTime", 6, Type::timeTicks, true},
   };
   static const QosMib::EcnCounterTableRows& rows(const QosMib& mib) { return mib.ecnCounterTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context& ctx) {
     const auto& chip = row.chipCounter;
     switch (column) {
       case 2:
         return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedPackets(); }));
       case 3:
         return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedBytes(); }));
+      case 5:
+        return fullName(readOr(chip, [](const auto& c) { return c.name().view(); }));
+      case 6:
+        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, chip));
       default:
         return counter(readOr(chip, [](const auto& c) { return c.ecnDroppedPackets(); }));
     }
@@ -391,11 +584,12 @@ struct EcnQueueCounterTable {
       {"qosEcnQueueCounterMarkedBytes", 5, Type::counter64, true},
       {"qosEcnQueueCounterHwStatus", 6, Type::integer32, true},
       {"qosEcnQueueCounterEnabled", 7, Type::integer32, true},
+      {"qosEcnQueueCounterDiscontinuityTime", 8, Type::timeTicks, true},
   };
   static const QosMib::EcnQueueCounterTableRows& rows(const QosMib& mib) {
     return mib.ecnQueueCounterTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, const QosMib&) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
     const auto queueCounter =
         row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
     switch (column) {
@@ -412,6 +606,8 @@ struct EcnQueueCounterTable {
             row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
         return enumValue(readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
       }
+      case 8:
+        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, queueCounter));
       default:
         return truth(row.ecnQueueCountersFlag);
     }
@@ -430,22 +626,22 @@ template <typename Table>
 struct TableOps {
   using Codec = MibIndexCodec<typename Table::Index>;
 
-  static std::optional<SnmpValue> get(const QosMib& mib, std::uint32_t column, OidSpan suffix) {
+  static std::optional<SnmpValue> get(Context& ctx, std::uint32_t column, OidSpan suffix) {
     const auto index = Codec::decode(suffix);
     if (!index) {
       return std::nullopt;
     }
-    const auto* row = Table::rows(mib).find(*index);
+    const auto* row = Table::rows(ctx.mib).find(*index);
     if (row == nullptr) {
       return std::nullopt;
     }
-    return Table::read(column, *index, *row, mib);
+    return Table::read(column, *index, *row, ctx);
   }
 
   // The first row whose suffix is strictly greater than `after`, or the
   // first row of the column when `after` is absent.
-  static std::optional<Instance> next(const QosMib& mib, std::uint32_t column, std::optional<OidSpan> after) {
-    const auto& rows = Table::rows(mib);
+  static std::optional<Instance> next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after) {
+    const auto& rows = Table::rows(ctx.mib);
     auto it = rows.begin();
     if (after) {
       const auto seek = Codec::seek(*after);
@@ -463,15 +659,15 @@ struct TableOps {
     }
     Instance instance;
     Codec::encode(it->first, instance.suffix);
-    instance.value = Table::read(column, it->first, it->second, mib);
+    instance.value = Table::read(column, it->first, it->second, ctx);
     return instance;
   }
 };
 
 struct TableEntry {
   MibTableInfo info;
-  std::optional<SnmpValue> (*get)(const QosMib&, std::uint32_t, OidSpan);
-  std::optional<Instance> (*next)(const QosMib&, std::uint32_t, std::optional<OidSpan>);
+  std::optional<SnmpValue> (*get)(Context&, std::uint32_t, OidSpan);
+  std::optional<Instance> (*next)(Context&, std::uint32_t, std::optional<OidSpan>);
 };
 
 template <typename Table>
@@ -514,6 +710,36 @@ consteval bool tablesAreNumberedInOrder() {
 }
 static_assert(tablesAreNumberedInOrder(), "tables and columns are numbered 1, 2, ... in order");
 
+// The agent group, after the tables.
+constexpr std::uint32_t kAgentGroupSubId = kTables.size() + 1;
+constexpr std::array<std::uint32_t, 10> kAgentGroupOid = {1, 3, 6, 1, 4, 1, 32473, 1, 1, kAgentGroupSubId};
+constexpr MibScalarInfo kAgentScalars[] = {
+    {"qosAgentStateLoadedTime", 1, Type::timeTicks},
+    {"qosAgentLastChangeTime", 2, Type::timeTicks},
+    {"qosAgentChangesApplied", 3, Type::counter32},
+    {"qosAgentChangesRefused", 4, Type::counter32},
+};
+
+SnmpValue scalarValue(std::uint32_t subId, const MibAgentStatus& status) {
+  switch (subId) {
+    case 1:
+      return SnmpValue::timeTicksIs(status.timeStamp(status.stateLoaded));
+    case 2:
+      return SnmpValue::timeTicksIs(status.timeStamp(status.lastChangeApplied));
+    case 3:
+      return SnmpValue::counter32Is(static_cast<std::uint32_t>(status.changesApplied));
+    default:
+      return SnmpValue::counter32Is(static_cast<std::uint32_t>(status.changesRefused));
+  }
+}
+
+Oid scalarOid(const MibScalarInfo& scalar) {
+  Oid oid(kAgentGroupOid.begin(), kAgentGroupOid.end());
+  oid.push_back(scalar.subId);
+  oid.push_back(0);
+  return oid;
+}
+
 const TableEntry* tableAt(std::uint32_t subId) {
   return subId >= 1 && subId <= kTables.size() ? &kTables[subId - 1] : nullptr;
 }
@@ -545,14 +771,53 @@ VarBind exception(OidSpan oid, SnmpException e) {
 
 }  // namespace
 
+MibView::MibView(const QosMib& mib, const MibAgentStatus* status)
+    : mib_(mib), state_(std::make_unique<State>(mib, status)) {}
+
+MibView::~MibView() = default;
+
+void MibView::State::prune() {
+  std::unordered_set<const void*> rows;
+  auto addRows = [&rows](const auto& table) {
+    for (const auto& entry : table) {
+      rows.insert(&entry.second);
+    }
+  };
+  addRows(mib.qosStatsTable());
+  addRows(mib.qosPolicerStatsTable());
+  addRows(mib.ecnCounterTable());
+  addRows(mib.ecnQueueCounterTable());
+  std::erase_if(seen, [&rows](const auto& entry) { return !rows.contains(entry.first); });
+  pruneAt = std::max<std::size_t>(4096, 2 * seen.size());
+}
+
+OidSpan MibView::agentGroupOid() noexcept { return kAgentGroupOid; }
+
+std::span<const MibScalarInfo> MibView::agentScalars() noexcept { return kAgentScalars; }
+
 OidSpan MibView::moduleOid() noexcept { return kModuleOid; }
 
 OidSpan MibView::objectsOid() noexcept { return kObjectsOid; }
+
+OidSpan MibView::agentObjectId() noexcept { return kAgentObjectId; }
 
 std::span<const MibTableInfo> MibView::tables() noexcept { return kTableInfos; }
 
 VarBind MibView::get(OidSpan oid) const {
   const std::size_t at = kObjectsOid.size();
+  if (startsWith(oid, kAgentGroupOid) && oid.size() > kAgentGroupOid.size()) {
+    const std::uint32_t subId = oid[kAgentGroupOid.size()];
+    if (subId < 1 || subId > std::size(kAgentScalars)) {
+      return exception(oid, SnmpException::noSuchObject);
+    }
+    if (oid.size() != kAgentGroupOid.size() + 2 || oid.back() != 0) {
+      return exception(oid, SnmpException::noSuchInstance);
+    }
+    VarBind vb;
+    vb.oid.assign(oid.begin(), oid.end());
+    vb.value = scalarValue(subId, *state_->status);
+    return vb;
+  }
   if (!startsWith(oid, kObjectsOid) || oid.size() < at + 3 || oid[at + 1] != kEntrySubId) {
     return exception(oid, SnmpException::noSuchObject);
   }
@@ -561,7 +826,8 @@ VarBind MibView::get(OidSpan oid) const {
   if (column == nullptr || !column->accessible) {
     return exception(oid, SnmpException::noSuchObject);
   }
-  auto value = table->get(mib_, column->subId, oid.subspan(at + 3));
+  Context ctx{mib_, *state_};
+  auto value = table->get(ctx, column->subId, oid.subspan(at + 3));
   if (!value) {
     return exception(oid, SnmpException::noSuchInstance);
   }
@@ -575,7 +841,7 @@ VarBind MibView::next(OidSpan oid) const {
   // Where the walk starts: the first table, column and row at or after
   // which an instance may follow oid. `after` is the row suffix to pass in
   // that column; absent, the column's first row is the answer.
-  std::uint32_t tableSubId = 1;
+  std::uint64_t tableSubId = 1;  // wide: one past 4294967295 must not wrap to 0
   std::uint32_t columnSubId = 1;
   std::optional<OidSpan> after;
 
@@ -600,6 +866,7 @@ VarBind MibView::next(OidSpan oid) const {
     return exception(oid, SnmpException::endOfMibView);
   }
 
+  Context ctx{mib_, *state_};
   for (; tableSubId <= kTables.size(); ++tableSubId, columnSubId = 1, after.reset()) {
     const TableEntry& table = kTables[tableSubId - 1];
     for (const MibColumnInfo& column : table.info.columns) {
@@ -608,9 +875,19 @@ VarBind MibView::next(OidSpan oid) const {
       }
       // Past the requested column, the walk restarts at each column's first row.
       const std::optional<OidSpan> from = column.subId == columnSubId ? after : std::nullopt;
-      if (auto instance = table.next(mib_, column.subId, from)) {
+      if (auto instance = table.next(ctx, column.subId, from)) {
         return valueAt(table, column, instance->suffix, std::move(instance->value));
       }
+    }
+  }
+  // Then the agent group's scalars, in OID order.
+  for (const MibScalarInfo& scalar : kAgentScalars) {
+    Oid candidate = scalarOid(scalar);
+    if (std::lexicographical_compare(oid.begin(), oid.end(), candidate.begin(), candidate.end())) {
+      VarBind vb;
+      vb.oid = std::move(candidate);
+      vb.value = scalarValue(scalar.subId, *state_->status);
+      return vb;
     }
   }
   return exception(oid, SnmpException::endOfMibView);
@@ -625,7 +902,13 @@ std::string MibView::oidName(OidSpan oid) {
   if (table != nullptr && oid.size() > at + 2 && oid[at + 1] == kEntrySubId) {
     column = columnAt(*table, oid[at + 2]);
   }
-  if (column != nullptr) {
+  const bool scalar = startsWith(oid, kAgentGroupOid) && oid.size() > kAgentGroupOid.size() &&
+                      oid[kAgentGroupOid.size()] >= 1 &&
+                      oid[kAgentGroupOid.size()] <= std::size(kAgentScalars);
+  if (scalar) {
+    out << kAgentScalars[oid[kAgentGroupOid.size()] - 1].name;
+    rest = kAgentGroupOid.size() + 1;
+  } else if (column != nullptr) {
     out << column->name;
     rest = at + 3;
   } else if (table != nullptr && oid.size() > at + 1 && oid[at + 1] == kEntrySubId) {

@@ -19,6 +19,24 @@
 // entities a row references at the time of the query, so counters are live.
 // A referenced entity that is null reads as the empty string or 0.
 //
+// Beside the shortened names of the indexes, tables carry the full names
+// (class map, policy map, chip; at most 255 bytes, longer ones cut) and the
+// interface's name beside an ifIndex index, looked up in the model's
+// interface map (a reverse lookup the view caches; with a MibAgentStatus
+// it is rebuilt only after the model changed). Tables whose rows carry
+// counters have a discontinuity column: the TimeStamp at which the view
+// first served the row with its current counter entity. A counter restarts
+// from zero only with a new entity, and every read of the column compares
+// the entity with the one it saw last, so two polls that read different
+// discontinuity times straddle a restart, and two that read the same do
+// not. The view holds the last entity it saw of each counted row (so that
+// no new entity can take its address), pruned of vanished rows as the
+// record grows past twice the rows it kept at the last pruning.
+//
+// After the tables, qosAgent (qosSnmpObjects 11) holds the agent's
+// scalars, read from the MibAgentStatus given to the constructor (all 0
+// without one).
+//
 // Rows whose index cannot be written as the MIB declares it (a negative
 // integer, a name longer than 30 bytes, an integer outside the column's
 // range) are not served: get() answers noSuchInstance and next() passes
@@ -38,6 +56,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -49,14 +68,17 @@ class QosMib;
 
 namespace QosSnmpHost {
 
+struct MibAgentStatus;
+
 using Oid = std::vector<std::uint32_t>;
 using OidSpan = std::span<const std::uint32_t>;
 
 // One SNMP value. integer32 carries INTEGER enumerations and Integer32;
-// unsigned32 carries Unsigned32 (the same encoding as Gauge32); counter64 the
-// Counter64 counters; octetString DisplayString text.
+// unsigned32 carries Unsigned32 (the same encoding as Gauge32); counter32
+// Counter32; timeTicks TimeTicks (TimeStamp); counter64 the Counter64
+// counters; octetString DisplayString text.
 struct SnmpValue {
-  enum class Type { integer32, unsigned32, counter64, octetString };
+  enum class Type { integer32, unsigned32, counter64, octetString, counter32, timeTicks };
 
   Type type = Type::integer32;
   std::int32_t integer = 0;  // integer32
@@ -67,6 +89,8 @@ struct SnmpValue {
   static SnmpValue unsigned32Is(std::uint32_t value);
   static SnmpValue counter64Is(std::uint64_t value);
   static SnmpValue octetStringIs(std::string value);
+  static SnmpValue counter32Is(std::uint32_t value);
+  static SnmpValue timeTicksIs(std::uint32_t value);
 
   friend bool operator==(const SnmpValue&, const SnmpValue&) = default;
 };
@@ -107,16 +131,32 @@ struct MibTableInfo {
   std::span<const MibColumnInfo> columns;
 };
 
+// A scalar of the agent group: its instance is <group>.<subId>.0.
+struct MibScalarInfo {
+  std::string_view name;
+  std::uint32_t subId;
+  SnmpValue::Type type;
+};
+
 class MibView {
  public:
-  explicit MibView(const QosSnmp::QosMib& mib) noexcept : mib_(mib) {}
+  // `status` may be null (the agent group reads 0); it must outlive the view.
+  explicit MibView(const QosSnmp::QosMib& mib, const MibAgentStatus* status = nullptr);
+  ~MibView();
+  MibView(const MibView&) = delete;
+  MibView& operator=(const MibView&) = delete;
 
   // qosSnmpMIB, the module identity: 1.3.6.1.4.1.32473.1.
   static OidSpan moduleOid() noexcept;
   // qosSnmpObjects, the subtree holding every table: 1.3.6.1.4.1.32473.1.1.
   static OidSpan objectsOid() noexcept;
+  // qosSnmpAgentId, the agent's sysObjectID: 1.3.6.1.4.1.32473.1.3.
+  static OidSpan agentObjectId() noexcept;
   // The ten tables in OID order.
   static std::span<const MibTableInfo> tables() noexcept;
+  // qosAgent, the agent group: 1.3.6.1.4.1.32473.1.1.11, and its scalars.
+  static OidSpan agentGroupOid() noexcept;
+  static std::span<const MibScalarInfo> agentScalars() noexcept;
 
   // The instance at oid, or noSuchObject (oid names no readable column of
   // this module) or noSuchInstance (a readable column, but no such row).
@@ -132,8 +172,12 @@ class MibView {
   // "qosClassMapCpType.3.99.109.49.1 = 0"; an exception as its name.
   static std::string render(const VarBind& varBind);
 
+  // What the view keeps between queries (defined in MibView.cpp).
+  struct State;
+
  private:
   const QosSnmp::QosMib& mib_;
+  std::unique_ptr<State> state_;  // caches, written by const queries
 };
 
 }  // namespace QosSnmpHost

@@ -15,11 +15,13 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
+#include <net-snmp/agent/agent_sysORTable.h>
 #include <net-snmp/library/large_fd_set.h>
 
 #include "host/log/Logger.h"
@@ -29,8 +31,11 @@
 // Access control and user handling live in libnetsnmpmibs; Debian's headers
 // do not declare them. (The library's names, hence NOLINT.)
 extern "C" {
-void init_vacm_vars(void);  // NOLINT(readability-identifier-naming)
-void init_usmUser(void);    // NOLINT(readability-identifier-naming)
+void init_vacm_vars(void);   // NOLINT(readability-identifier-naming)
+void init_usmUser(void);     // NOLINT(readability-identifier-naming)
+void init_system_mib(void);  // NOLINT(readability-identifier-naming)
+void init_sysORTable(void);  // NOLINT(readability-identifier-naming)
+void init_snmpEngine(void);  // NOLINT(readability-identifier-naming)
 }
 
 // The agent library's AgentX subagent state, which snmp_shutdown() does not
@@ -63,6 +68,13 @@ bool subagentSetUpSkipped = false;
 constexpr const char* kMasterName = "qos-snmp-agent";
 constexpr std::string_view kComponent = "snmp";
 constexpr const char* kSubagentName = "qos-snmp-agent-agentx";
+
+// What the master serves besides the module: the system group
+// (1.3.6.1.2.1.1, sysORTable included) and the SNMPv3 engine scalars
+// (snmpEngine, 1.3.6.1.6.3.10.2.1).
+constexpr const char* kSystemGroup = ".1.3.6.1.2.1.1";
+constexpr const char* kSnmpEngineGroup = ".1.3.6.1.6.3.10.2.1";
+constexpr std::size_t kMaxSystemText = 255;
 
 std::string dotted(OidSpan oid) {
   std::string text;
@@ -105,6 +117,11 @@ std::string secondsText(double seconds) {
   return text;
 }
 
+bool isSystemText(const std::string& text) {
+  return text.size() <= kMaxSystemText &&
+         std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < 127; });
+}
+
 bool isPlainWord(const std::string& word) {
   return !word.empty() && word.size() <= 255 && std::all_of(word.begin(), word.end(), [](char c) {
     return c > ' ' && c < 127 && c != '"' && c != '\'' && c != '\\' && c != '#';
@@ -116,22 +133,44 @@ bool isPlainWord(const std::string& word) {
 // objects reaches the read-only registration and is answered notWritable.
 std::vector<std::string> masterConfigLines(const SnmpFrontEndOptions& options, const SnmpUserFile& users) {
   const std::string view = dotted(MibView::moduleOid());
+  // Reads see the system group and the engine scalars too; writes only the
+  // module (SETs elsewhere are refused by access control).
   std::vector<std::string> lines = {
       "view qosModule included " + view,
-      "com2sec qosCommunity default " + options.community,
-      "com2sec6 qosCommunity default " + options.community,
-      "group qosCommunityGroup v1 qosCommunity",
-      "group qosCommunityGroup v2c qosCommunity",
-      "access qosCommunityGroup \"\" any noauth exact qosModule qosModule none",
+      "view qosRead included " + view,
+      std::string("view qosRead included ") + kSystemGroup,
+      std::string("view qosRead included ") + kSnmpEngineGroup,
   };
+  if (!options.community.empty()) {
+    lines.insert(lines.end(), {
+                                  "com2sec qosCommunity default " + options.community,
+                                  "com2sec6 qosCommunity default " + options.community,
+                                  "group qosCommunityGroup v1 qosCommunity",
+                                  "group qosCommunityGroup v2c qosCommunity",
+                                  "access qosCommunityGroup \"\" any noauth exact qosRead qosModule none",
+                              });
+  }
   for (const SnmpUserFile::User& user : users.users()) {
     lines.push_back("createUser " + user.name + ' ' + user.authProtocol + ' ' + user.authPassphrase + ' ' +
                     user.privProtocol + ' ' + user.privPassphrase);
     lines.emplace_back("group qosUserGroup usm " + user.name);
   }
   if (!users.users().empty()) {
-    lines.emplace_back("access qosUserGroup \"\" usm priv exact qosModule qosModule none");
+    lines.emplace_back("access qosUserGroup \"\" usm priv exact qosRead qosModule none");
   }
+  // The system group's values; the library's own handlers serve them.
+  lines.push_back("sysdescr " + options.sysDescr);
+  lines.push_back("sysobjectid " + dotted(options.sysObjectId.empty() ? MibView::agentObjectId()
+                                                                      : OidSpan(options.sysObjectId)));
+  for (const auto& [token, value] :
+       {std::pair{"syscontact ", &options.sysContact}, std::pair{"sysname ", &options.sysName},
+        std::pair{"syslocation ", &options.sysLocation}}) {
+    if (!value->empty()) {
+      lines.push_back(token + *value);
+    }
+  }
+  // A switch forwards at layers 2 and 3 and runs applications.
+  lines.emplace_back("sysservices 78");
   return lines;
 }
 
@@ -143,28 +182,48 @@ void checkOptions(const SnmpFrontEndOptions& options) {
     if (!isPlainWord(options.listen)) {
       throw std::runtime_error("SNMP: listen address '" + options.listen + "' is not a transport address");
     }
-    if (!isPlainWord(options.community)) {
+    if (!options.community.empty() && !isPlainWord(options.community)) {
       throw std::runtime_error(
           "SNMP: the community must be 1 to 255 printable characters without blanks, quotes, backslashes or "
           "'#'");
+    }
+    if (options.community.empty() && options.snmpv3UserFile.empty()) {
+      throw std::runtime_error("SNMP: without SNMPv1/v2c access, SNMPv3 users are required");
+    }
+    for (const std::string* text :
+         {&options.sysDescr, &options.sysContact, &options.sysName, &options.sysLocation}) {
+      if (!isSystemText(*text)) {
+        throw std::runtime_error("SNMP: system group values must be at most 255 printable characters");
+      }
+    }
+    if (options.sysObjectId.size() > 128) {
+      throw std::runtime_error("SNMP: sysObjectID is longer than 128 sub-identifiers");
+    }
+    if (options.persistentDir.find_first_of("\n") != std::string::npos) {
+      throw std::runtime_error("SNMP: the persistent directory's name must be one line");
     }
   } else if (options.agentxPingIntervalSeconds < 1) {
     throw std::runtime_error("SNMP: the AgentX ping interval must be at least 1 second");
   }
 }
 
-// Nothing from the system: no configuration file, no persistent state, no
-// MIB module file; alarms run from the loop, never from SIGALRM. What the
-// library still looks up in its configuration and persistent directories
-// (certificate indexes, for instance) it looks up in `privateDir`.
-void isolateLibrary(const std::string& privateDir) {
+// Nothing from the system: no configuration file, no persistent state but
+// the agent's own (`persistentDir`, when given), no MIB module file; alarms
+// run from the loop, never from SIGALRM. What the library still looks up in
+// its configuration and persistent directories (certificate indexes, for
+// instance) it looks up in `privateDir`.
+void isolateLibrary(const std::string& privateDir, const std::string& persistentDir) {
+  const bool persist = !persistentDir.empty();
   netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_CONFIGURATION_DIR, privateDir.c_str());
-  netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, privateDir.c_str());
+  netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR,
+                        persist ? persistentDir.c_str() : privateDir.c_str());
   netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_MIBDIRS, "");
-  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
-  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
-  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD, 1);
-  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, 1);
+  // Reading configuration files is needed to load the persistent file; the
+  // configuration directory is the empty private one.
+  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, persist ? 0 : 1);
+  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, persist ? 0 : 1);
+  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_LOAD, persist ? 0 : 1);
+  netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DISABLE_PERSISTENT_SAVE, persist ? 0 : 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_ALARM_DONT_USE_SIG, 1);
   char noMibs[] = "mibs :";
   netsnmp_config_remember(noMibs);
@@ -179,6 +238,10 @@ void ignoreBrokenPipes() {
   }
 }
 
+// Made before the library looks for it, so that it does not announce
+// making it.
+void makeCertIndexes(const std::string& dir) { ::mkdir((dir + "/cert_indexes").c_str(), 0700); }
+
 // An empty directory of our own, for the library's configuration and
 // persistent paths.
 std::string makePrivateDir() {
@@ -188,8 +251,7 @@ std::string makePrivateDir() {
     throw std::runtime_error("SNMP: cannot create a private directory " + pattern + ": " +
                              std::strerror(errno));
   }
-  // Made here so that the library does not announce making it.
-  ::mkdir((pattern + "/cert_indexes").c_str(), 0700);
+  makeCertIndexes(pattern);
   return pattern;
 }
 
@@ -206,6 +268,55 @@ bool userExists(const std::string& name) {
     }
   }
   return false;
+}
+
+// The library reads SNMPCONFPATH and SNMP_PERSISTENT_FILE from the
+// environment ahead of the paths it is given: a configuration path of the
+// user's would be read, and the persistent directory ignored. While the
+// library reads or writes its files, they are hidden; the environment is
+// restored afterwards.
+class LibraryEnvironmentHidden {
+ public:
+  LibraryEnvironmentHidden() {
+    for (const char* name : kNames) {
+      const char* value = std::getenv(name);
+      saved_.emplace_back(name, value != nullptr ? std::optional<std::string>(value) : std::nullopt);
+      ::unsetenv(name);
+    }
+  }
+  ~LibraryEnvironmentHidden() {
+    for (const auto& [name, value] : saved_) {
+      if (value) {
+        ::setenv(name, value->c_str(), 1);
+      }
+    }
+  }
+  LibraryEnvironmentHidden(const LibraryEnvironmentHidden&) = delete;
+  LibraryEnvironmentHidden& operator=(const LibraryEnvironmentHidden&) = delete;
+
+ private:
+  static constexpr const char* kNames[] = {"SNMPCONFPATH", "SNMP_PERSISTENT_FILE"};
+  std::vector<std::pair<const char*, std::optional<std::string>>> saved_;
+};
+
+// The users of the user file live in memory only: none is saved to the
+// persistent directory (a user taken out of the file must lose access at
+// the next start), and a user found there that the file does not name is
+// removed.
+void keepOnlyUsersOf(const SnmpUserFile& users) {
+  usmUser* user = usm_get_userList();
+  while (user != nullptr) {
+    usmUser* following = user->next;
+    const bool listed = std::any_of(users.users().begin(), users.users().end(), [user](const auto& entry) {
+      return user->name != nullptr && entry.name == user->name;
+    });
+    if (listed) {
+      user->userStorageType = ST_VOLATILE;
+    } else {
+      usm_free_user(usm_remove_user(user));
+    }
+    user = following;
+  }
 }
 
 void setValue(netsnmp_variable_list* varBind, const SnmpValue& value) {
@@ -230,6 +341,14 @@ void setValue(netsnmp_variable_list* varBind, const SnmpValue& value) {
     case SnmpValue::Type::octetString:
       snmp_set_var_typed_value(varBind, ASN_OCTET_STR, value.octets.data(), value.octets.size());
       break;
+    case SnmpValue::Type::counter32:
+    case SnmpValue::Type::timeTicks: {
+      const auto number = static_cast<u_long>(value.number);
+      snmp_set_var_typed_value(varBind,
+                               value.type == SnmpValue::Type::counter32 ? ASN_COUNTER : ASN_TIMETICKS,
+                               &number, sizeof number);
+      break;
+    }
   }
 }
 
@@ -270,7 +389,7 @@ void SnmpFrontEnd::start(const SnmpFrontEndOptions& options) {
   agentxPingIntervalSeconds_ = options.agentxPingIntervalSeconds;
   SnmpLogBridge::install();
   configureLibrary(options, users);
-  startLibrary();
+  startLibrary(users);
   if (master_) {
     errno = 0;
     if (init_master_agent() != 0) {
@@ -339,7 +458,19 @@ void SnmpFrontEnd::followSubagentConnection() {
 
 void SnmpFrontEnd::configureLibrary(const SnmpFrontEndOptions& options, const SnmpUserFile& users) {
   privateDir_ = makePrivateDir();
-  isolateLibrary(privateDir_);
+  const std::string persistentDir = master_ ? options.persistentDir : std::string();
+  if (!persistentDir.empty()) {
+    std::error_code error;
+    std::filesystem::create_directories(persistentDir, error);
+    if (error || !std::filesystem::is_directory(persistentDir)) {
+      std::filesystem::remove_all(privateDir_, error);
+      throw std::runtime_error("SNMP: cannot use '" + persistentDir + "' as the persistent directory");
+    }
+  }
+  if (!persistentDir.empty()) {
+    makeCertIndexes(persistentDir);
+  }
+  isolateLibrary(privateDir_, persistentDir);
   netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_MASTER, 0);
   // The daemon name that TCP wrappers rules (hosts.allow, hosts.deny) match.
   netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PROGNAME, applicationName_.c_str());
@@ -365,15 +496,25 @@ void SnmpFrontEnd::configureLibrary(const SnmpFrontEndOptions& options, const Sn
   add_to_init_list(noSmux);
 }
 
-void SnmpFrontEnd::startLibrary() {
+void SnmpFrontEnd::startLibrary(const SnmpUserFile& users) {
+  const LibraryEnvironmentHidden hidden;
   init_agent(applicationName_.c_str());
   if (master_) {
     init_vacm_vars();
     init_usmUser();
+    init_system_mib();
+    init_sysORTable();
+    init_snmpEngine();
   }
   init_snmp(applicationName_.c_str());
   startedFrontEnd = this;
   started_ = true;
+  if (master_) {
+    keepOnlyUsersOf(users);
+    // Saved at once (engine ID, the boot count just taken), so that an
+    // agent killed later still comes back as the same engine.
+    snmp_store(applicationName_.c_str());
+  }
   if (!master_ && subagentSetUpSkipped) {
     agentx_callback_sess =
         netsnmp_callback_open(callback_master_num, handle_subagent_response, nullptr, nullptr);
@@ -397,6 +538,9 @@ void SnmpFrontEnd::registerSubtree() {
     stop();
     throw std::runtime_error("SNMP: cannot register " + dotted(module));
   }
+  if (master_) {
+    register_sysORTable(root.data(), root.size(), "The QoS MIB: class maps, policy maps, statistics, ECN");
+  }
 }
 
 void SnmpFrontEnd::stop() {
@@ -405,6 +549,11 @@ void SnmpFrontEnd::stop() {
   }
   loop_.turnHookDel(this);
   if (registration_ != nullptr) {
+    if (master_) {
+      const OidSpan module = MibView::moduleOid();
+      std::vector<oid> root(module.begin(), module.end());
+      unregister_sysORTable(root.data(), root.size());
+    }
     netsnmp_unregister_handler(registration_);
     registration_ = nullptr;
   }
@@ -417,6 +566,7 @@ void SnmpFrontEnd::shutDownLibrary() {
   // A connected subagent's session is shut down by a library callback,
   // which also re-arms the library's subagent set-up.
   const bool subagentConnected = !master_ && main_session != nullptr;
+  const LibraryEnvironmentHidden hidden;
   snmp_shutdown(applicationName_.c_str());
   if (master_) {
     shutdown_master_agent();

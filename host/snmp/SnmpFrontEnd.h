@@ -6,8 +6,14 @@
 //   embedded master agent   listens on `listen` (net-snmp transport syntax,
 //                           "udp:127.0.0.1:1161"), bound to that address
 //                           only. SNMPv1/v2c read access for `community`
-//                           from any source; optional SNMPv3 users
-//                           (authPriv only) from an SnmpUserFile.
+//                           from any source (none when it is empty);
+//                           optional SNMPv3 users (authPriv only) from an
+//                           SnmpUserFile. It also answers the system group
+//                           (sysDescr, sysObjectID, sysUpTime, sysContact,
+//                           sysName, sysLocation, sysServices, sysORTable)
+//                           and the SNMPv3 engine scalars (snmpEngineID,
+//                           snmpEngineBoots, snmpEngineTime), with the
+//                           library's own implementation of both.
 //   AgentX subagent         connects to the master at `agentxSocket`
 //                           ("/path", "unix:/path" or "tcp:127.0.0.1:705")
 //                           and registers the module subtree there. While
@@ -27,10 +33,14 @@
 //
 // What it never touches: the system's SNMP configuration and state. No
 // configuration file is read (the access rules are handed to the library as
-// in-memory lines), nothing is loaded from or saved to a persistent
-// directory, no MIB module file is loaded, and no SMUX port is opened. The
-// library's configuration and persistent paths point at a private
-// directory under $TMPDIR (or /tmp), removed by stop(). One thing remains
+// in-memory lines), no MIB module file is loaded, and no SMUX port is
+// opened. The library's configuration path points at a private directory
+// under $TMPDIR (or /tmp), removed by stop(). Its persistent path is that
+// private directory too, and nothing is kept, unless `persistentDir` names
+// a directory of the agent's own: the master then keeps its SNMPv3 engine
+// ID there (in <persistentDir>/<applicationName>.conf) and counts its starts
+// in snmpEngineBoots; the file is written as soon as the agent has started,
+// so a killed agent keeps its identity too. Two things remain
 // of the system's: the agent library checks every request against the TCP
 // wrappers rules (/etc/hosts.allow, /etc/hosts.deny) under the application
 // name.
@@ -43,7 +53,10 @@
 // retrying every N s", and "connected again ... after N s".
 //
 // Process-wide effects: a subagent sets SIGPIPE to ignored when it is still
-// at its default (a master that goes away must not end the process).
+// at its default (a master that goes away must not end the process), and
+// SNMPCONFPATH and SNMP_PERSISTENT_FILE are taken out of the environment
+// while the library starts and stops (they would override the paths above),
+// then put back.
 //
 // Event loop: the front end is a TurnHook of the ActivityManager. Each turn
 // it asks net-snmp for its current descriptors and next timeout (never
@@ -84,8 +97,22 @@ struct SnmpFrontEndOptions {
   // Embedded master agent: the address to listen on. Exactly one of listen
   // and agentxSocket is set.
   std::string listen;
-  // SNMPv1/v2c community with read access (printable, no blanks or quotes).
+  // SNMPv1/v2c community with read access (printable, no blanks or quotes);
+  // empty: no SNMPv1/v2c access at all, SNMPv3 users only (then at least
+  // one user is required).
   std::string community = "public";
+  // Where the master keeps its SNMPv3 engine ID and boot count across
+  // restarts (created when missing); empty: a new engine ID every start.
+  std::string persistentDir;
+
+  // The master's system group. Text values: at most 255 printable
+  // characters. Left empty, sysName is the host's name and sysContact and
+  // sysLocation the library's placeholder.
+  std::string sysDescr;
+  Oid sysObjectId;  // empty: MibView::agentObjectId()
+  std::string sysContact;
+  std::string sysName;
+  std::string sysLocation;
   // SNMPv3 users (SnmpUserFile format); empty: none.
   std::string snmpv3UserFile;
 
@@ -138,7 +165,7 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
   void logBoundAddresses();
   // Logs the subagent's connection changes: lost, connected (again).
   void followSubagentConnection();
-  void startLibrary();
+  void startLibrary(const SnmpUserFile& users);
   void registerSubtree();
   void shutDownLibrary();
   // Clears what net-snmp leaves behind after a shutdown, so that a later

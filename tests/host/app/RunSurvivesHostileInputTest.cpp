@@ -4,7 +4,8 @@
 // 5 MiB over the line limit, then one valid counter change as a marker.
 // SNMP answers between the lines; each line is reported on standard error
 // with its own message; the walk of the QoS subtree afterwards differs from
-// the walk before only in the marker's counter; SIGTERM ends the run with
+// the walk before only in the marker's counter and the agent group's count
+// of applied and refused lines and time of the last change; SIGTERM ends the run with
 // status 0. Only the program's command line, FIFO, SNMP and standard error
 // are used, so the test holds whatever follows the stream inside.
 #include <fcntl.h>
@@ -231,17 +232,33 @@ TEST_F(RunSurvivesHostileInputTest, AnswersThroughEveryRefusedLineAndChangesOnly
   const std::vector<std::string> afterLines = after.lines();
   ASSERT_EQ(afterLines.size(), beforeLines.size());
   const std::string markerCell = "." + kMarkerOid + " = ";
+  // The agent group counts what the stream did: one change applied (the
+  // marker), every other line refused; the time of the last change moves.
+  const std::string lastChangeCell = ".1.3.6.1.4.1.32473.1.1.11.2.0 = ";
+  const std::string appliedCell = ".1.3.6.1.4.1.32473.1.1.11.3.0 = ";
+  const std::string refusedCell = ".1.3.6.1.4.1.32473.1.1.11.4.0 = ";
   std::size_t markerCells = 0;
+  std::size_t agentCells = 0;
   for (std::size_t i = 0; i < beforeLines.size(); ++i) {
     if (beforeLines[i].starts_with(markerCell)) {
       ++markerCells;
       EXPECT_EQ(afterLines[i], markerCell + kMarkerValue);
       EXPECT_NE(beforeLines[i], afterLines[i]);
+    } else if (beforeLines[i].starts_with(lastChangeCell)) {
+      ++agentCells;
+      EXPECT_NE(afterLines[i], beforeLines[i]);
+    } else if (beforeLines[i].starts_with(appliedCell)) {
+      ++agentCells;
+      EXPECT_EQ(afterLines[i], appliedCell + "Counter32: 1");
+    } else if (beforeLines[i].starts_with(refusedCell)) {
+      ++agentCells;
+      EXPECT_EQ(afterLines[i], refusedCell + "Counter32: " + std::to_string(expectedLines.size()));
     } else {
       EXPECT_EQ(afterLines[i], beforeLines[i]);
     }
   }
   EXPECT_EQ(markerCells, 1U);
+  EXPECT_EQ(agentCells, 3U);
 
   agent.signal(SIGTERM);
   ASSERT_TRUE(QosSnmpHostTest::turnUntil(

@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -32,6 +33,9 @@
 #include "QosSnmp/core/PolicyMapStatus.h"
 #include "QosSnmp/core/QosMib.h"
 #include "QosSnmp/core/SliceHwStatus.h"
+#include "QosSnmp/core/UniqueId.h"
+#include "host/snmp/MibAgentStatus.h"
+#include "host/snmp/MibReference.h"
 #include "kel/Make.h"
 
 namespace QosSnmpHost {
@@ -39,120 +43,7 @@ namespace {
 
 using QosSnmp::QosMib;
 
-constexpr std::uint32_t kClassMapTable = 1;
-constexpr std::uint32_t kClassMapMatchTable = 2;
-constexpr std::uint32_t kPolicyMapTable = 3;
-constexpr std::uint32_t kPolicyMapClassTable = 4;
-constexpr std::uint32_t kPolicyMapActionTable = 5;
-constexpr std::uint32_t kQosStatsTable = 6;
-constexpr std::uint32_t kQosPolicerStatsTable = 7;
-constexpr std::uint32_t kServicePolicyTable = 8;
-constexpr std::uint32_t kEcnCounterTable = 9;
-constexpr std::uint32_t kEcnQueueCounterTable = 10;
-
-const Oid kObjects = {1, 3, 6, 1, 4, 1, 32473, 1, 1};
-
-// The MIB's index encodings, restated independently of the view: a name
-// as its length and bytes, an integer as itself; nullopt when the value is
-// outside what the MIB declares.
-std::optional<Oid> name(std::string_view s) {
-  if (s.size() > 30) {
-    return std::nullopt;
-  }
-  Oid out{static_cast<std::uint32_t>(s.size())};
-  for (const char c : s) {
-    out.push_back(static_cast<unsigned char>(c));
-  }
-  return out;
-}
-std::optional<Oid> number(std::int64_t v, std::int64_t min, std::int64_t max) {
-  if (v < min || v > max) {
-    return std::nullopt;
-  }
-  return Oid{static_cast<std::uint32_t>(v)};
-}
-std::optional<Oid> join(std::initializer_list<std::optional<Oid>> parts) {
-  Oid out;
-  for (const auto& part : parts) {
-    if (!part) {
-      return std::nullopt;
-    }
-    out.insert(out.end(), part->begin(), part->end());
-  }
-  return out;
-}
-constexpr std::int64_t kMax32 = 2147483647;
-constexpr std::int64_t kMaxU32 = 4294967295;
-
-Oid instance(std::uint32_t table, std::uint32_t column, const Oid& index) {
-  Oid oid = kObjects;
-  oid.insert(oid.end(), {table, 1, column});
-  oid.insert(oid.end(), index.begin(), index.end());
-  return oid;
-}
-
-Oid nameOid(std::string_view s) { return *name(s); }
-
-Oid cat(std::initializer_list<Oid> parts) {
-  Oid out;
-  for (const Oid& part : parts) {
-    out.insert(out.end(), part.begin(), part.end());
-  }
-  return out;
-}
-
-// Every instance the MIB model should show, in OID order, built from the
-// model's rows with the encodings above and the columns the view declares.
-std::vector<Oid> expectedInstances(const QosMib& mib) {
-  std::vector<Oid> out;
-  auto add = [&out](std::uint32_t table, const std::optional<Oid>& index) {
-    if (!index) {
-      return;
-    }
-    for (const MibColumnInfo& column : MibView::tables()[table - 1].columns) {
-      if (column.accessible) {
-        out.push_back(instance(table, column.subId, *index));
-      }
-    }
-  };
-  for (const auto& [i, row] : mib.classMapTable()) {
-    add(kClassMapTable, join({name(i.name().view()), number(i.type(), 0, 2)}));
-  }
-  for (const auto& [i, row] : mib.classMapMatchTable()) {
-    add(kClassMapMatchTable,
-        join({name(i.name().view()), number(i.type(), 0, 2), number(i.matchIndex(), 1, kMaxU32)}));
-  }
-  for (const auto& [i, row] : mib.policyMapTable()) {
-    add(kPolicyMapTable, join({name(i.name().view()), number(i.type(), 0, 2)}));
-  }
-  for (const auto& [i, row] : mib.policyMapClassTable()) {
-    add(kPolicyMapClassTable,
-        join({name(i.name().view()), number(i.type(), 0, 2), number(i.prio(), 0, kMaxU32)}));
-  }
-  for (const auto& [i, row] : mib.policyMapActionTable()) {
-    add(kPolicyMapActionTable, join({name(i.pmapName().view()), number(i.type(), 0, 2),
-                                     name(i.cmapName().view()), number(i.actionType(), 0, 7)}));
-  }
-  for (const auto& [i, row] : mib.qosStatsTable()) {
-    add(kQosStatsTable, join({name(i.pmapName().view()), number(i.type(), 0, 2), name(i.cmapName().view()),
-                              number(i.qualifier(), 0, kMax32)}));
-  }
-  for (const auto& [i, row] : mib.qosPolicerStatsTable()) {
-    add(kQosPolicerStatsTable, join({name(i.pmapName().view()), number(i.type(), 0, 2),
-                                     name(i.cmapName().view()), number(i.ifIndex(), 0, kMax32)}));
-  }
-  for (const auto& [i, row] : mib.servicePolicyTable()) {
-    add(kServicePolicyTable, join({number(i.ifIndex(), 1, kMax32), number(i.direction(), 0, 2)}));
-  }
-  for (const auto& [chip, row] : mib.ecnCounterTable()) {
-    add(kEcnCounterTable, name(chip.view()));
-  }
-  for (const auto& [i, row] : mib.ecnQueueCounterTable()) {
-    add(kEcnQueueCounterTable, join({number(i.ifIndex(), 1, kMax32), number(i.queue(), 0, 255)}));
-  }
-  std::sort(out.begin(), out.end());
-  return out;
-}
+using namespace QosSnmpHostTest;  // NOLINT(google-build-using-namespace): the reference's vocabulary
 
 std::vector<VarBind> walk(const MibView& view, const Oid& from) {
   std::vector<VarBind> walked;
@@ -347,7 +238,7 @@ TEST_F(MibViewTest, WalkFromModuleRootVisitsEveryInstanceInIncreasingOidOrderThe
   for (const Oid& oid : oids) {
     tables.insert(oid[kObjects.size()]);
   }
-  EXPECT_EQ(tables.size(), 10U);
+  EXPECT_EQ(tables.size(), 11U);  // and the agent group
 }
 
 TEST_F(MibViewTest, GetOfEveryWalkedInstanceAnswersTheWalkedValue) {
@@ -361,6 +252,10 @@ TEST_F(MibViewTest, GetOfEveryWalkedInstanceAnswersTheWalkedValue) {
 
 TEST_F(MibViewTest, WalkedValuesHaveTheirColumnsTypes) {
   for (const VarBind& vb : walk(view_, {})) {
+    if (vb.oid[kObjects.size()] == kAgentGroup) {
+      EXPECT_EQ(vb.value.type, MibView::agentScalars()[vb.oid[kObjects.size() + 1] - 1].type);
+      continue;
+    }
     const auto& table = MibView::tables()[vb.oid[kObjects.size()] - 1];
     const auto& column = table.columns[vb.oid[kObjects.size() + 2] - 1];
     EXPECT_TRUE(column.accessible);
@@ -496,10 +391,13 @@ TEST_F(MibViewTest, GetOutsideAReadableColumnAnswersNoSuchObject) {
       instance(kClassMapTable, 1, cm1),              // index column
       instance(kClassMapTable, 2, cm1),              // index column
       instance(kClassMapTable, 0, cm1),              // no column 0
-      instance(kClassMapTable, 7, cm1),              // past the last column
+      instance(kClassMapTable, 8, cm1),              // past the last column
       cat({kObjects, {kClassMapTable, 2, 3}, cm1}),  // not the entry
       instance(0, 3, cm1),
-      instance(11, 3, cm1),
+      instance(12, 3, cm1),
+      cat({kObjects, {kAgentGroup}}),
+      cat({kObjects, {kAgentGroup, 0, 0}}),
+      cat({kObjects, {kAgentGroup, 5, 0}}),
       {1, 3, 6, 1, 4, 1, 32473, 2, 1, 1, 1, 3},
   };
   for (const Oid& oid : oids) {
@@ -551,8 +449,8 @@ TEST_F(MibViewTest, RowsTheMibCannotNameAreNeitherWalkedNorAnswered) {
       EXPECT_NE(vb.oid.back(), 0xFFFFFFFFU) << MibView::oidName(vb.oid);
     }
   }
-  // Three class maps the MIB can name, four columns each.
-  EXPECT_EQ(classMaps, 3U * 4U);
+  // Three class maps the MIB can name, five columns each.
+  EXPECT_EQ(classMaps, 3U * 5U);
 }
 
 // Probes near and far from the instances, compared with a brute-force
@@ -647,11 +545,183 @@ TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
   EXPECT_EQ(view_.next(last).oid, last);
 }
 
+TEST_F(MibViewTest, FullNameColumnsCarryNamesTheIndexesShorten) {
+  const std::string longCmap = "class-" + std::string(40, 'c');
+  const std::string longPmap = "policy-" + std::string(40, 'p');
+  const std::string hugeCmap(300, 'h');
+  const Snmp::String shortCmap = QosSnmp::uniqueId(Kel::String(longCmap));
+  const Snmp::String shortPmap = QosSnmp::uniqueId(Kel::String(longPmap));
+  const Snmp::String shortHuge = QosSnmp::uniqueId(Kel::String(hugeCmap));
+  ASSERT_EQ(shortCmap.view().size(), 30U);
+  ASSERT_NE(shortCmap.view(), std::string_view(longCmap).substr(0, 30));
+
+  auto cmap = Kel::make<Qos::ClassMapStatus>(Kel::String(longCmap));
+  auto huge = Kel::make<Qos::ClassMapStatus>(Kel::String(hugeCmap));
+  auto pmap = Kel::make<Qos::PolicyMapStatus>(Kel::String(longPmap));
+  auto prio = Kel::make<Qos::ClassPriority>(5);
+  prio->cmapNameIs(Kel::String(longCmap));
+  pmap->classPrioIs(5, prio);
+  mib_->classMapTableIs({shortCmap, Qos::mapQos_}, cmap);
+  mib_->classMapTableIs({shortHuge, Qos::mapQos_}, huge);
+  mib_->policyMapTableIs({shortPmap, Qos::mapQos_}, pmap);
+  mib_->policyMapClassTableIs({shortPmap, Qos::mapQos_, 5}, pmap, shortCmap);
+  mib_->qosStatsTableIs({shortPmap, Qos::mapQos_, shortCmap, 0}, nullptr, nullptr);
+  mib_->qosPolicerStatsTableIs({shortPmap, Qos::mapQos_, shortCmap, 12}, nullptr);
+  mib_->servicePolicyTableIs(
+      {7, Qos::directionOutput_}, shortPmap,
+      Qos::ServicePolicyKey(Qos::mapQos_, Qos::directionOutput_, Kel::String(longPmap)));
+
+  const Oid cmapIndex = cat({nameOid(shortCmap.view()), {1}});
+  const Oid pmapIndex = cat({nameOid(shortPmap.view()), {1}});
+  auto octets = [this](std::uint32_t table, std::uint32_t column, const Oid& index) {
+    const VarBind vb = get(table, column, index);
+    EXPECT_EQ(vb.exception, SnmpException::none) << MibView::oidName(vb.oid);
+    return vb.value.octets;
+  };
+  EXPECT_EQ(octets(kClassMapTable, 7, cmapIndex), longCmap);
+  EXPECT_EQ(octets(kClassMapTable, 7, cat({nameOid(shortHuge.view()), {1}})), hugeCmap.substr(0, 255));
+  EXPECT_EQ(octets(kPolicyMapTable, 5, pmapIndex), longPmap);
+  EXPECT_EQ(octets(kPolicyMapClassTable, 5, cat({pmapIndex, {5}})), longPmap);
+  EXPECT_EQ(octets(kPolicyMapClassTable, 6, cat({pmapIndex, {5}})), longCmap);
+  EXPECT_EQ(octets(kQosStatsTable, 10, cat({pmapIndex, nameOid(shortCmap.view()), {0}})), longPmap);
+  EXPECT_EQ(octets(kQosStatsTable, 11, cat({pmapIndex, nameOid(shortCmap.view()), {0}})), longCmap);
+  EXPECT_EQ(octets(kQosPolicerStatsTable, 11, cat({pmapIndex, nameOid(shortCmap.view()), {12}})), longPmap);
+  EXPECT_EQ(octets(kQosPolicerStatsTable, 12, cat({pmapIndex, nameOid(shortCmap.view()), {12}})), longCmap);
+  EXPECT_EQ(octets(kServicePolicyTable, 5, {7, 2}), longPmap);
+  // Rows of the fixture: names from the entities, or the short index name
+  // itself where no entity names it.
+  EXPECT_EQ(octets(kClassMapTable, 7, cat({nameOid("cm1"), {1}})), "cm1");
+  EXPECT_EQ(octets(kClassMapMatchTable, 6, cat({nameOid("cm1"), {1, 2}})), "cm1");
+  EXPECT_EQ(octets(kPolicyMapActionTable, 14, cat({nameOid("pm1"), {1}, nameOid("cm1"), {6}})), "pm1");
+  EXPECT_EQ(octets(kPolicyMapActionTable, 15, cat({nameOid("pm1"), {1}, nameOid("cm1"), {6}})), "cm1");
+  EXPECT_EQ(octets(kEcnCounterTable, 5, nameOid("chip0")), "chip0");
+  // A shortened name that no table resolves reads as empty.
+  mib_->classMapTableDel({shortCmap, Qos::mapQos_});
+  EXPECT_EQ(octets(kQosPolicerStatsTable, 12, cat({pmapIndex, nameOid(shortCmap.view()), {12}})), "");
+}
+
+TEST_F(MibViewTest, InterfaceNamesStandBesideIfIndexIndexes) {
+  mib_->intfIdToifIndexIs(Pellix::IntfId("Ethernet12"), 12);
+  mib_->intfIdToifIndexIs(Pellix::IntfId("Ethernet13"), 13);
+  EXPECT_EQ(rendered(kServicePolicyTable, 6, {12, 1}), "qosServicePolicyIntfName.12.1 = \"Ethernet12\"");
+  EXPECT_EQ(rendered(kServicePolicyTable, 6, {2147483647, 1}),
+            "qosServicePolicyIntfName.2147483647.1 = \"\"");
+  // The policer's own interface when it has one, else the ifIndex's.
+  const Oid bgp = cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp")});
+  EXPECT_EQ(get(kQosPolicerStatsTable, 13, cat({bgp, {12}})).value.octets, "Ethernet12");
+  mib_->qosPolicerStatsTableIs({"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", 13}, nullptr);
+  EXPECT_EQ(get(kQosPolicerStatsTable, 13, cat({bgp, {13}})).value.octets, "Ethernet13");
+
+  // The interface behind an ifIndex changes.
+  mib_->intfIdToifIndexDel(Pellix::IntfId("Ethernet12"));
+  mib_->intfIdToifIndexIs(Pellix::IntfId("Ethernet99"), 12);
+  EXPECT_EQ(get(kServicePolicyTable, 6, {12, 1}).value.octets, "Ethernet99");
+  mib_->intfIdToifIndexDel(Pellix::IntfId("Ethernet99"));
+  EXPECT_EQ(get(kServicePolicyTable, 6, {12, 1}).value.octets, "");
+}
+
+TEST_F(MibViewTest, WithAStatusInterfaceNamesFollowTheModelAfterEachChange) {
+  MibAgentStatus status;
+  const MibView view(*mib_, &status);
+  const Oid row = instance(kServicePolicyTable, 6, {12, 1});
+  mib_->intfIdToifIndexIs(Pellix::IntfId("Ethernet12"), 12);
+  status.stateLoadedIs(MibAgentStatus::Clock::now());
+  EXPECT_EQ(view.get(row).value.octets, "Ethernet12");
+  // Moved behind the view's back: never the old name, and the new one
+  // once the host reports the change.
+  mib_->intfIdToifIndexDel(Pellix::IntfId("Ethernet12"));
+  mib_->intfIdToifIndexIs(Pellix::IntfId("Ethernet77"), 12);
+  EXPECT_EQ(view.get(row).value.octets, "");
+  status.changeAppliedIs(MibAgentStatus::Clock::now());
+  EXPECT_EQ(view.get(row).value.octets, "Ethernet77");
+}
+
+TEST_F(MibViewTest, DiscontinuityTimeMovesOnlyWhenARowGetsNewCounters) {
+  MibAgentStatus status;
+  status.upTimeOrigin = MibAgentStatus::Clock::now() - std::chrono::seconds(5);
+  const MibView view(*mib_, &status);
+  const Oid stats = instance(kQosStatsTable, 12, cat({nameOid("pm1"), {1}, nameOid("cm1"), {1}}));
+  const Oid policer = instance(kQosPolicerStatsTable, 14,
+                               cat({nameOid("copp-system-policy"), {0}, nameOid("copp-system-bgp"), {12}}));
+  const Oid chip = instance(kEcnCounterTable, 6, nameOid("chip0"));
+  const Oid queue = instance(kEcnQueueCounterTable, 8, {12, 1});
+  auto at = [&view](const Oid& oid) {
+    const VarBind vb = view.get(oid);
+    EXPECT_EQ(vb.exception, SnmpException::none) << MibView::oidName(oid);
+    EXPECT_EQ(vb.value.type, SnmpValue::Type::timeTicks) << MibView::oidName(oid);
+    return vb.value.number;
+  };
+  const std::vector<Oid> rows = {stats, policer, chip, queue};
+  std::vector<std::uint64_t> first;
+  for (const Oid& oid : rows) {
+    first.push_back(at(oid));
+    EXPECT_GE(first.back(), 500U) << MibView::oidName(oid);
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  // Counters that count on, and the same entities written again: no change.
+  cm1Counter_->packetsIs(1000);
+  mib_->qosStatsTableIs({"pm1", Qos::mapQos_, "cm1", 1},
+                        mib_->qosStatsTable({"pm1", 1, "cm1", 1})->classMapHwStatus, cm1Counter_);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_EQ(at(rows[i]), first[i]) << MibView::oidName(rows[i]);
+  }
+  // New counter entities: the row's counters restarted.
+  mib_->qosStatsTableIs({"pm1", Qos::mapQos_, "cm1", 1}, nullptr, Kel::make<Qos::Counter>("cm1"));
+  mib_->qosPolicerStatsTableIs({"copp-system-policy", Qos::mapControlPlane_, "copp-system-bgp", 12},
+                               Kel::make<Qos::PolicerHwStatus>("Ethernet12"));
+  mib_->ecnCounterTableIs("chip0", Kel::make<Qos::ChipCounter>("chip0"), 0);
+  ecnCounters_->intfQueueCounterIs(Pellix::IntfId("Ethernet12"),
+                                   Kel::make<Qos::EcnIntfQueueCounter>(Pellix::IntfId("Ethernet12")));
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    EXPECT_GT(at(rows[i]), first[i]) << MibView::oidName(rows[i]);
+  }
+  // Counters deleted and published again come as a new entity.
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  const std::uint64_t before = at(chip);
+  mib_->ecnCounterTableDel("chip0");
+  ASSERT_EQ(view.get(chip).exception, SnmpException::noSuchInstance);
+  mib_->ecnCounterTableIs("chip0", Kel::make<Qos::ChipCounter>("chip0"), 0);
+  EXPECT_GT(at(chip), before);
+}
+
+TEST_F(MibViewTest, AgentGroupReadsTheHostsStatus) {
+  MibAgentStatus status;
+  const auto origin = MibAgentStatus::Clock::now();
+  status.upTimeOrigin = origin;
+  const MibView view(*mib_, &status);
+  auto value = [&view](std::uint32_t scalar) {
+    const VarBind vb = view.get(cat({kObjects, {kAgentGroup, scalar, 0}}));
+    EXPECT_EQ(vb.exception, SnmpException::none);
+    return vb.value;
+  };
+  EXPECT_EQ(value(1), SnmpValue::timeTicksIs(0));
+  EXPECT_EQ(value(2), SnmpValue::timeTicksIs(0));
+  EXPECT_EQ(value(3), SnmpValue::counter32Is(0));
+  EXPECT_EQ(value(4), SnmpValue::counter32Is(0));
+
+  status.stateLoadedIs(origin - std::chrono::seconds(3));  // before the agent started
+  status.changeAppliedIs(origin + std::chrono::milliseconds(12345));
+  status.changeAppliedIs(origin + std::chrono::milliseconds(23456));
+  status.changeRefused();
+  EXPECT_EQ(value(1), SnmpValue::timeTicksIs(0));
+  EXPECT_EQ(value(2), SnmpValue::timeTicksIs(2345));
+  EXPECT_EQ(value(3), SnmpValue::counter32Is(2));
+  EXPECT_EQ(value(4), SnmpValue::counter32Is(1));
+  EXPECT_EQ(MibView::render(view.get(cat({kObjects, {kAgentGroup, 3, 0}}))), "qosAgentChangesApplied.0 = 2");
+  EXPECT_EQ(view.get(cat({kObjects, {kAgentGroup, 3}})).exception, SnmpException::noSuchInstance);
+  EXPECT_EQ(view.get(cat({kObjects, {kAgentGroup, 3, 1}})).exception, SnmpException::noSuchInstance);
+  EXPECT_EQ(view.next(cat({kObjects, {kAgentGroup, 2}})).oid, cat({kObjects, {kAgentGroup, 2, 0}}));
+  EXPECT_EQ(view.next(cat({kObjects, {kAgentGroup, 4, 0}})).exception, SnmpException::endOfMibView);
+}
+
 TEST(MibViewEmptyTest, WalkOfAnEmptyModelEndsAtOnce) {
   const auto mib = Kel::make<QosMib>();
   const MibView view(*mib);
-  EXPECT_EQ(view.next(Oid{}).exception, SnmpException::endOfMibView);
-  EXPECT_EQ(view.next(MibView::objectsOid()).exception, SnmpException::endOfMibView);
+  // Only the agent group's scalars.
+  const std::vector<VarBind> walked = walk(view, {});
+  ASSERT_EQ(walked.size(), 4U);
+  EXPECT_EQ(walked.front().oid, cat({kObjects, {kAgentGroup, 1, 0}}));
+  EXPECT_EQ(view.next(walked.back().oid).exception, SnmpException::endOfMibView);
   EXPECT_EQ(view.get(instance(kClassMapTable, 3, cat({nameOid("cm1"), {1}}))).exception,
             SnmpException::noSuchInstance);
 }
@@ -749,6 +819,12 @@ SnmpValue::Type typeOfSyntax(const std::string& syntax) {
   if (syntax == "Unsigned32") {
     return SnmpValue::Type::unsigned32;
   }
+  if (syntax == "TimeStamp") {
+    return SnmpValue::Type::timeTicks;
+  }
+  if (syntax == "Counter32") {
+    return SnmpValue::Type::counter32;
+  }
   return SnmpValue::Type::integer32;
 }
 
@@ -771,6 +847,16 @@ TEST(MibViewModuleTest, MibModuleDeclaresExactlyTheViewsTablesAndColumns) {
       EXPECT_EQ(typeOfSyntax(object.syntax), column.type) << name << " " << object.syntax;
       ++declared;
     }
+  }
+  const Oid agentGroup = cat({kObjects, {kAgentGroup}});
+  EXPECT_EQ(Oid(MibView::agentGroupOid().begin(), MibView::agentGroupOid().end()), agentGroup);
+  for (const MibScalarInfo& scalar : MibView::agentScalars()) {
+    const std::string name(scalar.name);
+    ASSERT_TRUE(objects.contains(name)) << name;
+    EXPECT_EQ(objects.at(name).oid, cat({agentGroup, {scalar.subId}})) << name;
+    EXPECT_EQ(objects.at(name).access, "read-only") << name;
+    EXPECT_EQ(typeOfSyntax(objects.at(name).syntax), scalar.type) << name;
+    ++declared;
   }
   EXPECT_EQ(declared, objects.size());
   const Oid module(MibView::moduleOid().begin(), MibView::moduleOid().end());

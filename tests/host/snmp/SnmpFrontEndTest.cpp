@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <initializer_list>
@@ -37,18 +38,24 @@
 #include "QosSnmp/servicepolicy/ServicePolicyTestSupport.h"
 #include "QosSnmp/stats/HwStatusTestSupport.h"
 #include "host/log/Logger.h"
+#include "host/snmp/MibReference.h"
+#include "host/snmp/PopulatedMib.h"
 #include "host/snmp/SnmpToolTestSupport.h"
 #include "kel/Make.h"
 #include "kel/System.h"
 
 // net-snmp keeps a few blocks of every start past its shutdown (its MIB hash
-// table and its certificate containers); LeakSanitizer builds ignore those,
-// and only those. The sanitizer runtime looks this hook up by name.
+// table, its certificate containers, and per start of the system group its
+// sysORTable entries and one variable of a restarted agent);
+// LeakSanitizer builds ignore those, and only those. The sanitizer runtime
+// looks this hook up by name.
 // NOLINTNEXTLINE(readability-identifier-naming,bugprone-reserved-identifier)
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:netsnmp_init_mib_internals\n"
          "leak:netsnmp_container_get_binary_array\n"
-         "leak:netsnmp_certs_agent_init\n";
+         "leak:netsnmp_certs_agent_init\n"
+         "leak:init_sysORTable\n"
+         "leak:snmp_varlist_add_variable\n";
 }
 
 namespace QosSnmpHost {
@@ -63,8 +70,6 @@ using QosSnmpTest::TestSwitch;
 using Lines = std::vector<std::string>;
 
 constexpr const char* kModule = "1.3.6.1.4.1.32473.1";
-constexpr const char* kEndOfView =
-    "No more variables left in this MIB View (It is past the end of the MIB tree)";
 // Class maps added only to make the tables long enough for walks of many
 // requests and bulk responses of many repetitions.
 constexpr int kBulkClassMaps = 120;
@@ -87,6 +92,18 @@ std::string toolValue(const SnmpValue& value) {
       return "Gauge32: " + std::to_string(value.number);
     case SnmpValue::Type::counter64:
       return "Counter64: " + std::to_string(value.number);
+    case SnmpValue::Type::counter32:
+      return "Counter32: " + std::to_string(value.number);
+    case SnmpValue::Type::timeTicks: {
+      // Less than a day in these tests.
+      const std::uint64_t t = value.number;
+      char text[64];
+      std::snprintf(text, sizeof text, "Timeticks: (%llu) %llu:%02llu:%02llu.%02llu",
+                    static_cast<unsigned long long>(t), static_cast<unsigned long long>(t / 360000),
+                    static_cast<unsigned long long>(t / 6000 % 60),
+                    static_cast<unsigned long long>(t / 100 % 60), static_cast<unsigned long long>(t % 100));
+      return text;
+    }
     case SnmpValue::Type::octetString:
       break;
   }
@@ -103,6 +120,39 @@ std::string toolValue(const SnmpValue& value) {
 
 std::string toolLine(const VarBind& varBind) {
   return dotted(varBind.oid) + " = " + toolValue(varBind.value);
+}
+
+Oid parseDotted(const std::string& text) {
+  Oid oid;
+  std::istringstream in(text);
+  std::string part;
+  while (std::getline(in, part, '.')) {
+    if (!part.empty()) {
+      oid.push_back(static_cast<std::uint32_t>(std::stoul(part)));
+    }
+  }
+  return oid;
+}
+
+// The SNMPv3 engine scalars, which the embedded master serves after the
+// module (their values change; only their OIDs are compared).
+const std::vector<Oid> kEngineScalars = {
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 1, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 2, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 3, 0},
+    {1, 3, 6, 1, 6, 3, 10, 2, 1, 4, 0},
+};
+
+// One varbind of a GETBULK response as the tool prints it: the OID, and
+// whether it is endOfMibView.
+struct BulkItem {
+  Oid oid;  // empty for endOfMibView
+  bool end = false;
+  friend bool operator==(const BulkItem&, const BulkItem&) = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const BulkItem& item) {
+  return out << (item.end ? "endOfMibView" : dotted(item.oid));
 }
 
 // The module as the view walks it, one snmpwalk -On line per instance.
@@ -260,14 +310,10 @@ class SnmpFrontEndTest : public ::testing::Test {
     return options.listen;
   }
 
-  Lines expectedMasterWalk() const {
-    Lines lines = viewWalk(view_);
-    if (!lines.empty()) {
-      // Nothing follows the module in the embedded agent.
-      lines.push_back(lines.back().substr(0, lines.back().find(" = ")) + " = " + kEndOfView);
-    }
-    return lines;
-  }
+  // The embedded master serves the SNMPv3 engine scalars after the
+  // module: the walk leaves the subtree there and ends without an
+  // exception line.
+  Lines expectedMasterWalk() const { return viewWalk(view_); }
 
   Kel::ActivityManager loop_{Kel::System::clock()};
   ScratchDir dir_;
@@ -309,6 +355,175 @@ TEST_F(SnmpFrontEndTest, MasterBulkWalkAgreesWithWalk) {
   EXPECT_EQ(bulk.lines(), expectedMasterWalk());
 }
 
+// The GETBULK matrix: non-repeaters 0, 1 and many, max-repetitions 0, 1, 2
+// and 2^31-1, with repeaters that reach endOfMibView in the first and in
+// later repetitions. The answer must be the successors the view and the
+// engine scalars give, cut only where the agent caps a response (100
+// varbinds) or where every repeater has ended.
+TEST_F(SnmpFrontEndTest, MasterAnswersGetBulkAcrossTheMatrix) {
+  const std::string address = startMaster();
+  std::vector<Oid> served;
+  for (VarBind vb = view_.next(MibView::moduleOid()); vb.exception == SnmpException::none;
+       vb = view_.next(vb.oid)) {
+    served.push_back(vb.oid);
+  }
+  ASSERT_GT(served.size(), 200U);
+  const Oid lastOfModule = served.back();
+  served.insert(served.end(), kEngineScalars.begin(), kEngineScalars.end());
+  auto successor = [&served](const BulkItem& item) {
+    if (item.end) {
+      return item;
+    }
+    const auto it = std::upper_bound(served.begin(), served.end(), item.oid);
+    return it == served.end() ? BulkItem{{}, true} : BulkItem{*it, false};
+  };
+
+  const std::vector<Oid> nonRepeaterStarts = {parseDotted(kModule), kEngineScalars.back(), lastOfModule};
+  const std::vector<Oid> repeaterStarts = {
+      parseDotted(kModule),       // runs on for the whole response
+      served[served.size() / 2],  // from the middle of the module
+      lastOfModule,               // ends in the fifth repetition
+      kEngineScalars.back(),      // ends in the first repetition
+  };
+  constexpr std::size_t kMaxResponse = 100;
+  for (const std::size_t nonRepeaters : {0U, 1U, 3U}) {
+    for (const long maxRepetitions : {0L, 1L, 2L, 2147483647L}) {
+      std::vector<std::string> argv = {"snmpbulkget",
+                                       "-v2c",
+                                       "-c",
+                                       "public",
+                                       "-On",
+                                       "-t",
+                                       "5",
+                                       "-r",
+                                       "1",
+                                       "-Cn" + std::to_string(nonRepeaters),
+                                       "-Cr" + std::to_string(maxRepetitions),
+                                       address};
+      std::vector<BulkItem> expected;
+      for (std::size_t i = 0; i < nonRepeaters; ++i) {
+        argv.push_back(dotted(nonRepeaterStarts[i]));
+        expected.push_back(successor({nonRepeaterStarts[i], false}));
+      }
+      std::vector<BulkItem> current;
+      for (const Oid& start : repeaterStarts) {
+        argv.push_back(dotted(start));
+        current.push_back({start, false});
+      }
+      // The agent caps the repetitions at 100 varbinds (non-repeaters aside).
+      const long fit = static_cast<long>(kMaxResponse / repeaterStarts.size());
+      std::size_t mustHave = expected.size();
+      for (long repetition = 0; repetition < std::min(maxRepetitions, fit); ++repetition) {
+        bool allEnded = true;
+        for (BulkItem& item : current) {
+          item = successor(item);
+          expected.push_back(item);
+          allEnded = allEnded && item.end;
+        }
+        if (!allEnded) {
+          mustHave = expected.size();
+        }
+      }
+      const std::uint64_t answeredBefore = frontEnd_.varbindsAnswered();
+      const ToolRun run = tool(argv);
+      const std::string label =
+          "-Cn" + std::to_string(nonRepeaters) + " -Cr" + std::to_string(maxRepetitions);
+      ASSERT_EQ(run.status, 0) << label << ": " << run;
+      std::vector<BulkItem> actual;
+      for (const std::string& line : run.lines()) {
+        const auto equals = line.find(" = ");
+        if (equals == std::string::npos || !line.starts_with(".")) {
+          continue;  // a continuation line of a hexadecimal engine ID
+        }
+        // The agent names an endOfMibView varbind as it likes: only the
+        // exception is compared.
+        const bool end = line.find("No more variables left in this MIB View") != std::string::npos;
+        actual.push_back({end ? Oid{} : parseDotted(line.substr(0, equals)), end});
+        const Oid& oid = actual.back().oid;
+        if (!actual.back().end && oid.size() > 8 &&
+            std::equal(MibView::moduleOid().begin(), MibView::moduleOid().end(), oid.begin())) {
+          EXPECT_EQ(line, toolLine(view_.get(oid))) << label;
+        }
+      }
+      ASSERT_LE(actual.size(), expected.size()) << label << ": " << run.out;
+      ASSERT_GE(actual.size(), mustHave) << label << ": " << run.out;
+      for (std::size_t i = 0; i < actual.size(); ++i) {
+        ASSERT_EQ(actual[i], expected[i]) << label << ", varbind " << i << ": " << run.out;
+      }
+      EXPECT_LE(actual.size(), nonRepeaters + kMaxResponse) << label;
+      // Work per request is bounded by the response, not by max-repetitions.
+      EXPECT_LE(frontEnd_.varbindsAnswered() - answeredBefore, 2 * kMaxResponse) << label;
+    }
+  }
+}
+
+// SNMPv1: a GET naming a missing instance or a Counter64 answers noSuchName
+// with the index of that varbind, and a walk passes over the Counter64
+// columns and finishes.
+TEST_F(SnmpFrontEndTest, MasterAnswersSnmpV1WithNoSuchNameAndWalksWithoutCounter64) {
+  const std::string address = startMaster();
+  const VarBind counter = firstOfType(view_, SnmpValue::Type::counter64);
+  const VarBind name = firstOfType(view_, SnmpValue::Type::octetString);
+  Oid missing = name.oid;
+  missing.push_back(7);
+  for (const Oid& bad : {missing, counter.oid}) {
+    const ToolRun run = tool({"snmpget", "-v1", "-c", "public", "-On", "-t", "3", "-r", "1", "-Cf", address,
+                              dotted(name.oid), dotted(bad), dotted(name.oid)});
+    EXPECT_NE(run.status, 0) << run;
+    const std::string all = run.out + run.err;
+    EXPECT_NE(all.find("(noSuchName)"), std::string::npos) << all;
+    EXPECT_NE(all.find("Failed object: " + dotted(bad) + "\n"), std::string::npos) << all;
+  }
+
+  const ToolRun walkV1 =
+      tool({"snmpwalk", "-v1", "-c", "public", "-On", "-t", "3", "-r", "3", address, kModule});
+  ASSERT_EQ(walkV1.status, 0) << walkV1;
+  Lines expected;
+  for (const std::string& line : viewWalk(view_)) {
+    if (line.find(" = Counter64: ") == std::string::npos) {
+      expected.push_back(line);
+    }
+  }
+  EXPECT_EQ(walkV1.lines(), expected);
+  EXPECT_LT(expected.size(), viewWalk(view_).size());
+}
+
+// Walk order with no row, one row and many rows in every table, names of
+// every length and bytes, and rows the MIB cannot name: snmpwalk (which
+// checks that OIDs increase), snmpbulkwalk -Cr10 and -Cr50 all finish,
+// print the same, and return exactly the instances of the reference list.
+// Strings are printed in hexadecimal (-Ox): names hold any byte.
+TEST_F(SnmpFrontEndTest, WalksAgreeWithTheReferenceForNoneOneAndManyRows) {
+  auto oidsOf = [](const ToolRun& run) {
+    std::vector<Oid> oids;
+    for (const std::string& line : run.lines()) {
+      const auto equals = line.find(" = ");
+      if (line.starts_with(".") && equals != std::string::npos) {
+        oids.push_back(parseDotted(line.substr(0, equals)));
+      }
+    }
+    return oids;
+  };
+  for (const int rows : {0, 1, 3, 300}) {
+    const QosSnmpHostTest::PopulatedMib populated(static_cast<unsigned>(rows) + 11, rows);
+    const MibView view(populated.mib());
+    const std::vector<Oid> expected = QosSnmpHostTest::expectedInstances(populated.mib());
+    SnmpFrontEnd frontEnd(loop_, view);
+    SnmpFrontEndOptions options;
+    options.listen = "udp:127.0.0.1:" + std::to_string(freeUdpPort());
+    frontEnd.start(options);
+    const ToolRun plain = walk(options.listen, "snmpwalk", {"-Ox"});
+    ASSERT_EQ(plain.status, 0) << rows << " rows: " << plain;
+    EXPECT_EQ(oidsOf(plain), expected) << rows << " rows";
+    for (const char* repetitions : {"-Cr10", "-Cr50"}) {
+      const ToolRun bulk = walk(options.listen, "snmpbulkwalk", {"-Ox", repetitions});
+      ASSERT_EQ(bulk.status, 0) << rows << " rows, " << repetitions << ": " << bulk;
+      EXPECT_EQ(bulk.out, plain.out) << rows << " rows, " << repetitions;
+    }
+    frontEnd.stop();
+  }
+}
+
 TEST_F(SnmpFrontEndTest, MasterGetAnswersCellsAndExceptions) {
   const std::string address = startMaster();
   const VarBind counter = firstOfType(view_, SnmpValue::Type::counter64);
@@ -317,7 +532,7 @@ TEST_F(SnmpFrontEndTest, MasterGetAnswersCellsAndExceptions) {
   Oid missingRow = counter.oid;
   missingRow.push_back(999);
   const std::string notAColumn = std::string(".") + kModule + ".1.99.1.1";
-  const std::string outsideTheModule = ".1.3.6.1.2.1.1.1.0";
+  const std::string outsideTheModule = ".1.3.6.1.2.1.2.1.0";
 
   const ToolRun run = get(address, {dotted(counter.oid), dotted(name.oid), dotted(gauge.oid),
                                     dotted(missingRow), notAColumn, outsideTheModule});
@@ -428,6 +643,138 @@ TEST_F(SnmpFrontEndTest, MasterServesSnmpV3UsersWithAuthenticationAndPrivacy) {
   EXPECT_NE(stranger.err.find("Unknown user name"), std::string::npos) << stranger;
 }
 
+TEST_F(SnmpFrontEndTest, MasterAnswersTheSystemGroup) {
+  SnmpFrontEndOptions options;
+  options.sysDescr = "qos agent 1.2: a test";
+  options.sysContact = "ops team <ops@example.net>";
+  options.sysName = "leaf-7";
+  options.sysLocation = "hall 2, rack 14";
+  const std::string address = startMaster(options);
+  const ToolRun run = get(address, {"1.3.6.1.2.1.1.1.0", "1.3.6.1.2.1.1.2.0", "1.3.6.1.2.1.1.4.0",
+                                    "1.3.6.1.2.1.1.5.0", "1.3.6.1.2.1.1.6.0"});
+  ASSERT_EQ(run.status, 0) << run;
+  EXPECT_EQ(run.lines(), (Lines{
+                             ".1.3.6.1.2.1.1.1.0 = STRING: \"qos agent 1.2: a test\"",
+                             ".1.3.6.1.2.1.1.2.0 = OID: .1.3.6.1.4.1.32473.1.3",
+                             ".1.3.6.1.2.1.1.4.0 = STRING: \"ops team <ops@example.net>\"",
+                             ".1.3.6.1.2.1.1.5.0 = STRING: \"leaf-7\"",
+                             ".1.3.6.1.2.1.1.6.0 = STRING: \"hall 2, rack 14\"",
+                         }));
+  EXPECT_EQ(dotted(MibView::agentObjectId()), ".1.3.6.1.4.1.32473.1.3");
+
+  // sysUpTime counts hundredths of a second from the start.
+  auto upTime = [&] {
+    const ToolRun answer =
+        tool({"snmpget", "-v2c", "-c", "public", "-On", "-Ot", "-t", "3", address, "1.3.6.1.2.1.1.3.0"});
+    EXPECT_EQ(answer.status, 0) << answer;
+    const std::string prefix = ".1.3.6.1.2.1.1.3.0 = ";
+    const std::string line = answer.lines().empty() ? std::string() : answer.lines().front();
+    EXPECT_TRUE(line.starts_with(prefix)) << line;
+    return line.starts_with(prefix) ? std::stol(line.substr(prefix.size())) : -1L;
+  };
+  const long first = upTime();
+  QosSnmpHostTest::turnFor(loop_, 0.3);
+  const long second = upTime();
+  EXPECT_GE(first, 0);
+  EXPECT_GE(second - first, 25);
+  EXPECT_LT(second, 1000);
+
+  // The module is announced in sysORTable.
+  const ToolRun orTable = tool({"snmpwalk", "-v2c", "-c", "public", "-On", address, "1.3.6.1.2.1.1.9.1.2"});
+  ASSERT_EQ(orTable.status, 0) << orTable;
+  EXPECT_NE(orTable.out.find("OID: .1.3.6.1.4.1.32473.1\n"), std::string::npos) << orTable.out;
+
+  // SETs outside the module are refused by access control.
+  const ToolRun set = tool(
+      {"snmpset", "-v2c", "-c", "public", "-t", "2", "-r", "0", address, "1.3.6.1.2.1.1.5.0", "s", "other"});
+  EXPECT_NE(set.status, 0) << set;
+  EXPECT_NE(set.err.find("noAccess"), std::string::npos) << set;
+}
+
+TEST_F(SnmpFrontEndTest, MasterKeepsItsEngineIdAcrossRestartsAndCountsBoots) {
+  SnmpFrontEndOptions options;
+  options.persistentDir = dir_ / "agent-state";
+  auto engine = [&](const std::string& address) {
+    const ToolRun run = tool({"snmpget", "-v2c", "-c", "public", "-On", "-t", "3", address,
+                              "1.3.6.1.6.3.10.2.1.1.0", "1.3.6.1.6.3.10.2.1.2.0"});
+    EXPECT_EQ(run.status, 0) << run;
+    return run.out;
+  };
+  auto idOf = [](const std::string& out) { return out.substr(0, out.find(".1.3.6.1.6.3.10.2.1.2.0")); };
+  auto bootsOf = [](const std::string& out) { return out.substr(out.find(".1.3.6.1.6.3.10.2.1.2.0")); };
+
+  const std::string first = engine(startMaster(options));
+  frontEnd_.stop();
+  const std::string second = engine(startMaster(options));
+  frontEnd_.stop();
+  const std::string third = engine(startMaster(options));
+  frontEnd_.stop();
+  EXPECT_NE(idOf(first).find("Hex-STRING: 80 00 1F 88"), std::string::npos) << first;
+  EXPECT_EQ(idOf(second), idOf(first));
+  EXPECT_EQ(idOf(third), idOf(first));
+  EXPECT_EQ(bootsOf(first), ".1.3.6.1.6.3.10.2.1.2.0 = INTEGER: 1\n");
+  EXPECT_EQ(bootsOf(second), ".1.3.6.1.6.3.10.2.1.2.0 = INTEGER: 2\n");
+  EXPECT_EQ(bootsOf(third), ".1.3.6.1.6.3.10.2.1.2.0 = INTEGER: 3\n");
+
+  // Without a persistent directory, every start is a new engine.
+  const std::string fresh = engine(startMaster());
+  frontEnd_.stop();
+  const std::string freshAgain = engine(startMaster());
+  EXPECT_NE(idOf(fresh), idOf(first));
+  EXPECT_NE(idOf(freshAgain), idOf(fresh));
+  EXPECT_EQ(bootsOf(freshAgain), ".1.3.6.1.6.3.10.2.1.2.0 = INTEGER: 1\n");
+}
+
+TEST_F(SnmpFrontEndTest, MasterSavesNoUserInItsPersistentDirectory) {
+  const std::string users = dir_ / "users.conf";
+  std::ofstream(users) << "createUser keeper SHA-256 keeperAuth1 AES keeperPriv1\nrouser keeper priv\n";
+  SnmpFrontEndOptions options;
+  options.snmpv3UserFile = users;
+  options.persistentDir = dir_ / "agent-state";
+  startMaster(options);
+  frontEnd_.stop();
+  std::ifstream in(dir_ / "agent-state/qos-snmp-agent.conf");
+  const std::string saved((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_NE(saved.find("oldEngineID 0x"), std::string::npos) << saved;
+  EXPECT_EQ(saved.find("keeper"), std::string::npos) << saved;
+
+  // Taken out of the user file, a user has no access at the next start.
+  std::ofstream(users) << "createUser other SHA-256 otherAuth12 AES otherPriv12\nrouser other priv\n";
+  const std::string address = startMaster(options);
+  const ToolRun keeper =
+      tool({"snmpget", "-v3", "-u",          "keeper", "-l",  "authPriv", "-a",
+            "SHA-256", "-A",  "keeperAuth1", "-x",     "AES", "-X",       "keeperPriv1",
+            "-On",     "-t",  "2",           "-r",     "0",   address,    "1.3.6.1.2.1.1.5.0"});
+  EXPECT_NE(keeper.status, 0) << keeper;
+  EXPECT_NE(keeper.err.find("Unknown user name"), std::string::npos) << keeper;
+}
+
+TEST_F(SnmpFrontEndTest, MasterWithoutCommunityServesOnlySnmpV3AuthPriv) {
+  const std::string users = dir_ / "users.conf";
+  std::ofstream(users) << "createUser reader SHA-256 readerAuth1 AES readerPriv1\nrouser reader priv\n";
+  SnmpFrontEndOptions options;
+  options.snmpv3UserFile = users;
+  options.community.clear();
+  const std::string address = startMaster(options);
+  const VarBind counter = firstOfType(view_, SnmpValue::Type::counter64);
+
+  for (const char* version : {"-v1", "-v2c"}) {
+    const ToolRun run =
+        tool({"snmpget", version, "-c", "public", "-On", "-t", "1", "-r", "0", address, dotted(counter.oid)});
+    EXPECT_NE(run.status, 0) << run;
+    EXPECT_NE(run.err.find("Timeout"), std::string::npos) << run;
+  }
+  const ToolRun authPriv =
+      tool({"snmpget", "-v3", "-u",          "reader", "-l",  "authPriv", "-a",
+            "SHA-256", "-A",  "readerAuth1", "-x",     "AES", "-X",       "readerPriv1",
+            "-On",     "-t",  "2",           "-r",     "0",   address,    dotted(counter.oid)});
+  ASSERT_EQ(authPriv.status, 0) << authPriv;
+  EXPECT_EQ(authPriv.lines(), Lines{toolLine(counter)});
+  const ToolRun authOnly = tool({"snmpget", "-v3", "-u", "reader", "-l", "authNoPriv", "-a", "SHA-256", "-A",
+                                 "readerAuth1", "-On", "-t", "2", "-r", "0", address, dotted(counter.oid)});
+  EXPECT_NE(authOnly.status, 0) << authOnly;
+}
+
 TEST_F(SnmpFrontEndTest, StartRefusesBadOptionsBeforeTouchingTheLibrary) {
   auto refusal = [this](const SnmpFrontEndOptions& options) {
     try {
@@ -453,6 +800,14 @@ TEST_F(SnmpFrontEndTest, StartRefusesBadOptionsBeforeTouchingTheLibrary) {
   noPing.agentxSocket = dir_ / "agentx.sock";
   noPing.agentxPingIntervalSeconds = 0;
   EXPECT_EQ(refusal(noPing), "SNMP: the AgentX ping interval must be at least 1 second");
+  SnmpFrontEndOptions nobody;
+  nobody.listen = "udp:127.0.0.1:1161";
+  nobody.community.clear();
+  EXPECT_EQ(refusal(nobody), "SNMP: without SNMPv1/v2c access, SNMPv3 users are required");
+  SnmpFrontEndOptions twoLines;
+  twoLines.listen = "udp:127.0.0.1:1161";
+  twoLines.sysLocation = "hall 2\nsysname spoofed";
+  EXPECT_EQ(refusal(twoLines), "SNMP: system group values must be at most 255 printable characters");
   SnmpFrontEndOptions noUsers;
   noUsers.listen = "udp:127.0.0.1:1161";
   noUsers.snmpv3UserFile = dir_ / "absent.conf";
@@ -657,6 +1012,38 @@ class SnmpFrontEndAgentxTest : public SnmpFrontEndTest {
   std::string socket_ = dir_ / "agentx.sock";
   Snmpd snmpd_{dir_, socket_};
 };
+
+// Through snmpd, GETBULK of every shape reaches the subagent as GETNEXTs:
+// no genErr, and every varbind of the module is the view's.
+TEST_F(SnmpFrontEndAgentxTest, SubagentAnswersGetBulkThroughSnmpdWithoutErrors) {
+  snmpd_.start(loop_, toolEnvironment());
+  startSubagent(socket_);
+  waitForRegistration();
+  const Lines walked = viewWalk(view_);
+  const std::string middle = walked[walked.size() / 2].substr(0, walked[walked.size() / 2].find(" = "));
+  const std::string last = walked.back().substr(0, walked.back().find(" = "));
+  for (const std::size_t nonRepeaters : {0U, 1U, 3U}) {
+    for (const long maxRepetitions : {0L, 1L, 2L, 2147483647L}) {
+      const std::string label =
+          "-Cn" + std::to_string(nonRepeaters) + " -Cr" + std::to_string(maxRepetitions);
+      const ToolRun run = tool({"snmpbulkget", "-v2c", "-c", "public", "-On", "-t", "5", "-r", "1",
+                                "-Cn" + std::to_string(nonRepeaters), "-Cr" + std::to_string(maxRepetitions),
+                                snmpd_.address(), kModule, middle, last, kModule, middle, last});
+      ASSERT_EQ(run.status, 0) << label << ": " << run;
+      EXPECT_EQ(run.err.find("genErr"), std::string::npos) << label << ": " << run;
+      EXPECT_EQ(run.out.find("Error"), std::string::npos) << label << ": " << run.out;
+      std::size_t inModule = 0;
+      for (const std::string& line : run.lines()) {
+        const std::string oid = line.substr(0, line.find(" = "));
+        if (oid.starts_with(std::string(".") + kModule + ".")) {
+          EXPECT_EQ(line, toolLine(view_.get(parseDotted(oid)))) << label;
+          ++inModule;
+        }
+      }
+      EXPECT_GE(inModule, std::min<std::size_t>(nonRepeaters, 2)) << label << ": " << run.out;
+    }
+  }
+}
 
 TEST_F(SnmpFrontEndAgentxTest, SubagentServesTheWalkThroughSnmpd) {
   snmpd_.start(loop_, toolEnvironment());
