@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <exception>
 
+#include "host/state/JsonSkimmer.h"
+
 namespace QosSnmpHost {
 namespace {
 
@@ -29,31 +31,6 @@ std::string libraryMessage(const nlohmann::json::exception& error) {
   }
   return text;
 }
-
-// Finds where the parser gives up, for the errors whose exception does not
-// say (a number that does not fit a double).
-class ErrorLocator : public nlohmann::json_sax<nlohmann::json> {
- public:
-  std::size_t position = 0;
-
-  bool null() override { return true; }
-  bool boolean(bool /*value*/) override { return true; }
-  bool number_integer(number_integer_t /*value*/) override { return true; }
-  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
-  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
-  bool string(string_t& /*value*/) override { return true; }
-  bool binary(binary_t& /*value*/) override { return true; }
-  bool start_object(std::size_t /*elements*/) override { return true; }
-  bool key(string_t& /*key*/) override { return true; }
-  bool end_object() override { return true; }
-  bool start_array(std::size_t /*elements*/) override { return true; }
-  bool end_array() override { return true; }
-  bool parse_error(std::size_t at, const std::string& /*token*/,
-                   const nlohmann::detail::exception& /*error*/) override {
-    position = at;
-    return false;
-  }
-};
 
 }  // namespace
 
@@ -109,13 +86,13 @@ JsonInput::Parsed JsonInput::parse(std::string_view text, const InputLimits& lim
     // A number that does not fit a double (1e999), for instance: the
     // exception does not say where, a second pass does.
     parsed.error = "invalid JSON: " + libraryMessage(error);
-    ErrorLocator locator;
+    JsonSkimmer skimmer;
     try {
-      nlohmann::json::sax_parse(text, &locator);
+      nlohmann::json::sax_parse(text, &skimmer);
     } catch (const nlohmann::json::exception&) {
       // The position found so far stands.
     }
-    parsed.line = lineAt(text, locator.position == 0 ? 0 : locator.position - 1);
+    parsed.line = lineAt(text, skimmer.errorAt == 0 ? 0 : skimmer.errorAt - 1);
   }
   return parsed;
 }

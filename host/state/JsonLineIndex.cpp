@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "host/state/JsonSkimmer.h"
+
 namespace QosSnmpHost {
 namespace {
 
@@ -49,20 +51,13 @@ class LineCountingIterator {
 // Follows the members on the way to one path: `matched` of its segments
 // are the keys of the containers open now. Remembers the line of the
 // deepest member of the path it has seen, and stops at the path itself.
-class PathLine : public nlohmann::json_sax<Json> {
+class PathLine : public JsonSkimmer {
  public:
   PathLine(const int* line, std::vector<std::string> segments)
       : line_(line), segments_(std::move(segments)) {}
 
   int found() const { return foundLine_; }
 
-  bool null() override { return true; }
-  bool boolean(bool /*value*/) override { return true; }
-  bool number_integer(number_integer_t /*value*/) override { return true; }
-  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
-  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
-  bool string(string_t& /*value*/) override { return true; }
-  bool binary(binary_t& /*value*/) override { return true; }
   bool start_object(std::size_t /*elements*/) override { return open(); }
   // Array elements are not named by the documents' paths: a container
   // whose members never match.
@@ -85,10 +80,6 @@ class PathLine : public nlohmann::json_sax<Json> {
       return matched_ < segments_.size();
     }
     return true;
-  }
-  bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
-                   const nlohmann::detail::exception& /*error*/) override {
-    return false;
   }
 
  private:
