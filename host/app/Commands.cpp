@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cmath>
-#include <deque>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -14,7 +12,7 @@
 #include <string>
 
 #include "host/app/AgentHost.h"
-#include "host/app/LineReader.h"
+#include "host/app/ChangeFeed.h"
 #include "host/app/PluginLoader.h"
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
@@ -22,6 +20,7 @@
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
 #include "kel/ActivityManager.h"
+#include "kel/Clock.h"
 #include "kel/RingTrace.h"
 #include "kel/System.h"
 #include "kel/Toggle.h"
@@ -157,67 +156,6 @@ int openChangeStream(const std::string& path) {
   return fd;
 }
 
-// The change stream of run. Lines are applied as they arrive; an advance
-// line holds back the lines after it for that many seconds of the real
-// clock, so that the agent sees the same order of changes and timers as on
-// a virtual clock.
-class ChangeFollower {
- public:
-  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd)
-      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd) {
-    loop_.fdReadableIs(fd, [this] { read(); });
-  }
-  ~ChangeFollower() { close(); }
-  ChangeFollower(const ChangeFollower&) = delete;
-  ChangeFollower& operator=(const ChangeFollower&) = delete;
-
-  // Applies the lines that are due; returns how long the next one waits.
-  double applyDue() {
-    while (!pending_.empty()) {
-      const double now = Kel::System::currentTime();
-      if (now < resumeAt_) {
-        return resumeAt_ - now;
-      }
-      const auto [line, number] = std::move(pending_.front());
-      pending_.pop_front();
-      Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
-      if (!change) {
-        std::cerr << change.error().text() << '\n';
-      } else if (change->op == Change::Op::advance) {
-        resumeAt_ = Kel::System::currentTime() + change->seconds;
-      }
-    }
-    return 1.0;
-  }
-
- private:
-  void read() {
-    reader_.readAvailable([this](std::string_view line, std::size_t number) {
-      pending_.emplace_back(std::string(line), number);
-    });
-    if (reader_.ended()) {
-      std::cerr << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
-      close();
-    }
-  }
-
-  void close() {
-    if (reader_.fd() >= 0 && !closed_) {
-      loop_.fdDel(reader_.fd());
-      ::close(reader_.fd());
-      closed_ = true;
-    }
-  }
-
-  AgentHost& host_;
-  Kel::ActivityManager& loop_;
-  std::string name_;
-  LineReader reader_;
-  bool closed_ = false;
-  std::deque<std::pair<std::string, std::size_t>> pending_;
-  double resumeAt_ = 0.0;
-};
-
 }  // namespace
 
 int dumpCommand(const CommonOptions& common, const DumpOptions& options) {
@@ -288,21 +226,23 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
               << "(from the repository's top directory, where mib/ holds the MIB module)\n";
   }
 
-  std::unique_ptr<ChangeFollower> follower;
+  std::unique_ptr<ChangeFeed> feed;
   if (!options.changes.empty()) {
     const int fd = openChangeStream(options.changes);
     if (fd < 0) {
       return kSetUpFailed;
     }
-    follower = std::make_unique<ChangeFollower>(*host, loop,
-                                                options.changes == "-" ? "(stdin)" : options.changes, fd);
+    feed = std::make_unique<ChangeFeed>(
+        loop, [&host](std::string_view line, const Source& where) { return host->apply(line, where); },
+        options.changes == "-" ? "(stdin)" : options.changes, fd, std::cerr);
   }
+  // The loop sleeps until a descriptor is ready or a timer (the agent's, or
+  // net-snmp's) is due; between slices of changes it only polls.
   while (!stopping) {
-    const double wait = follower ? follower->applyDue() : 1.0;
-    loop.runOnce(std::min(wait, 1.0));
+    loop.runOnce(feed ? feed->applySlice() : Kel::Clock::kNever);
   }
   std::cerr << "qos-snmp-agent: stopping\n";
-  follower.reset();
+  feed.reset();
   snmp.stop();
   host->release();
   return kOk;

@@ -1,0 +1,143 @@
+#include "host/app/ChangeFeed.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "kel/Clock.h"
+
+namespace QosSnmpHost {
+
+namespace {
+
+constexpr double kSummaryAfterSeconds = 1.0;
+constexpr double kProgressEverySeconds = 10.0;
+
+}  // namespace
+
+ChangeFeed::ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, std::ostream& log,
+                       ChangeFeedOptions options)
+    : loop_(loop),
+      apply_(std::move(apply)),
+      name_(std::move(name)),
+      reader_(fd),
+      log_(log),
+      options_(options) {
+  watch();
+}
+
+ChangeFeed::~ChangeFeed() { close(); }
+
+double ChangeFeed::applySlice() {
+  const Kel::Ptr<Kel::Clock>& clock = loop_.clock();
+  const double start = clock->now();
+  double now = start;
+  std::size_t appliedInSlice = 0;
+  while (!pending_.empty()) {
+    if (now < resumeAt_) {
+      return resumeAt_ - now;
+    }
+    if (appliedInSlice > 0 && now - start >= options_.sliceSeconds) {
+      noteBehind(start, appliedInSlice, now);
+      return 0.0;
+    }
+    applyOne();
+    ++appliedInSlice;
+    now = clock->now();
+  }
+  noteCaughtUp(now);
+  return Kel::Clock::kNever;
+}
+
+void ChangeFeed::applyOne() {
+  Pending next = std::move(pending_.front());
+  pending_.pop_front();
+  pendingBytes_ -= next.line.size();
+  ++applied_;
+  Result<Change> change = apply_(next.line, {name_, static_cast<int>(next.number)});
+  if (!change) {
+    log_ << change.error().text() << '\n';
+  } else if (change->op == Change::Op::advance) {
+    resumeAt_ = loop_.clock()->now() + change->seconds;
+  }
+  if (!watching_ && !closed_ && drained()) {
+    watch();
+  }
+}
+
+void ChangeFeed::read() {
+  reader_.readAvailable([this](std::string_view line, std::size_t number) {
+    pending_.push_back({std::string(line), number});
+    pendingBytes_ += line.size();
+  });
+  largestBacklog_ = std::max(largestBacklog_, pending_.size());
+  largestInEpisode_ = std::max(largestInEpisode_, pending_.size());
+  if (reader_.ended()) {
+    log_ << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
+    close();
+  } else if (full()) {
+    log_ << "qos-snmp-agent: " << name_ << ": " << pending_.size()
+         << " change lines waiting; reading paused until half of them are applied\n";
+    pausedInEpisode_ = true;
+    unwatch();
+  }
+}
+
+void ChangeFeed::watch() {
+  loop_.fdReadableIs(reader_.fd(), [this] { read(); });
+  watching_ = true;
+}
+
+void ChangeFeed::unwatch() {
+  if (watching_) {
+    loop_.fdDel(reader_.fd());
+    watching_ = false;
+  }
+}
+
+void ChangeFeed::close() {
+  if (!closed_) {
+    unwatch();
+    ::close(reader_.fd());
+    closed_ = true;
+  }
+}
+
+bool ChangeFeed::full() const {
+  return pending_.size() >= options_.maxLines || pendingBytes_ >= options_.maxBytes;
+}
+
+bool ChangeFeed::drained() const {
+  return pending_.size() <= options_.maxLines / 2 && pendingBytes_ <= options_.maxBytes / 2;
+}
+
+void ChangeFeed::noteBehind(double sliceStart, std::size_t appliedInSlice, double now) {
+  if (!behind_) {
+    behind_ = true;
+    behindSince_ = sliceStart;
+    lastProgressLog_ = sliceStart;
+    appliedAtEpisodeStart_ = applied_ - appliedInSlice;
+    return;
+  }
+  if (now - lastProgressLog_ >= kProgressEverySeconds) {
+    lastProgressLog_ = now;
+    log_ << "qos-snmp-agent: " << name_ << ": behind for " << std::lround(now - behindSince_)
+         << " s: " << (applied_ - appliedAtEpisodeStart_) << " lines applied, " << pending_.size()
+         << " waiting\n";
+  }
+}
+
+void ChangeFeed::noteCaughtUp(double now) {
+  if (behind_ && (pausedInEpisode_ || now - behindSince_ >= kSummaryAfterSeconds)) {
+    log_ << "qos-snmp-agent: " << name_ << ": caught up: " << (applied_ - appliedAtEpisodeStart_)
+         << " lines applied in " << std::lround((now - behindSince_) * 1000.0) << " ms, at most "
+         << largestInEpisode_ << " waiting\n";
+  }
+  behind_ = false;
+  pausedInEpisode_ = false;
+  largestInEpisode_ = 0;
+}
+
+}  // namespace QosSnmpHost

@@ -1,0 +1,125 @@
+// ChangeFeed: the change stream of `run`, read from a descriptor and applied
+// in slices of bounded work between turns of the event loop, so that SNMP
+// requests are answered while a burst of changes is still being applied.
+//
+// Contract:
+// - Lines are applied in the order they were read, each exactly once; a
+//   refused line is reported on the log and the next one follows.
+// - A slice applies at least one line (nothing starves), then stops at the
+//   first line boundary after `sliceSeconds` of the loop's clock.
+// - An `advance` line holds back the lines after it for that many seconds of
+//   the loop's clock, so that the agent sees changes and timers in the same
+//   order as on a virtual clock.
+// - The backlog (lines read and not yet applied) is bounded: once it holds
+//   `maxLines` lines or `maxBytes` bytes, the descriptor is no longer
+//   watched, and it is watched again once the backlog has drained to half of
+//   both. A writer is then held back by the pipe; nothing is dropped. One
+//   read (everything the descriptor has at that moment) may carry the
+//   backlog past the bound.
+// - When the stream ends the descriptor is closed; lines already read are
+//   still applied.
+// - Log lines: refusals, the stream's end, reading paused, and, after an
+//   episode in which the agent was behind for a second or more, a summary
+//   (lines applied, seconds, largest backlog); while behind, a progress
+//   line at most every 10 seconds.
+//
+//   ChangeFeed feed(loop, [&](std::string_view line, const Source& where) { return host.apply(line, where);
+//   },
+//                   "changes.fifo", fd, std::cerr);
+//   while (!stopping) loop.runOnce(feed.applySlice());
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "host/app/LineReader.h"
+#include "host/state/LoadError.h"
+#include "host/state/SwitchState.h"
+#include "kel/ActivityManager.h"
+
+namespace QosSnmpHost {
+
+struct ChangeFeedOptions {
+  // Work per slice, in seconds of the loop's clock.
+  double sliceSeconds = 0.003;
+  // Backlog at which reading pauses.
+  std::size_t maxLines = 20000;
+  std::size_t maxBytes = 16U << 20U;
+};
+
+class ChangeFeed {
+ public:
+  using Apply = std::function<Result<Change>(std::string_view line, const Source& where)>;
+
+  // Watches `fd` (non-blocking, owned: closed at the end of the stream or on
+  // destruction) on `loop`, which must outlive the feed. `name` is the
+  // stream's name in messages.
+  ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, std::ostream& log,
+             ChangeFeedOptions options = {});
+  ~ChangeFeed();
+  ChangeFeed(const ChangeFeed&) = delete;
+  ChangeFeed& operator=(const ChangeFeed&) = delete;
+
+  // Applies one slice of the due lines. Returns how long the loop may wait
+  // before the next call: 0 when due lines remain, the time left of an
+  // `advance` hold, Kel::Clock::kNever when nothing is pending.
+  double applySlice();
+
+  // Lines read and not yet applied, and their bytes.
+  std::size_t backlog() const { return pending_.size(); }
+  std::size_t backlogBytes() const { return pendingBytes_; }
+  // The largest backlog seen since construction.
+  std::size_t largestBacklog() const { return largestBacklog_; }
+  // Lines applied (accepted or refused) since construction.
+  std::size_t applied() const { return applied_; }
+  // Whether the descriptor is watched: false while the backlog is full and
+  // after the stream ended.
+  bool reading() const { return watching_; }
+  bool ended() const { return closed_; }
+
+ private:
+  struct Pending {
+    std::string line;
+    std::size_t number;
+  };
+
+  void read();
+  void watch();
+  void unwatch();
+  void close();
+  bool full() const;
+  bool drained() const;
+  void applyOne();
+  // A slice that began at `sliceStart` and applied `appliedInSlice` lines
+  // ended at `now` with due lines left.
+  void noteBehind(double sliceStart, std::size_t appliedInSlice, double now);
+  void noteCaughtUp(double now);
+
+  Kel::ActivityManager& loop_;
+  Apply apply_;
+  std::string name_;
+  LineReader reader_;
+  std::ostream& log_;
+  ChangeFeedOptions options_;
+  bool watching_ = false;
+  bool closed_ = false;
+  std::deque<Pending> pending_;
+  std::size_t pendingBytes_ = 0;
+  std::size_t largestBacklog_ = 0;
+  std::size_t applied_ = 0;
+  double resumeAt_ = 0.0;
+
+  // The current episode of being behind (a slice ended with due lines left).
+  bool behind_ = false;
+  bool pausedInEpisode_ = false;
+  double behindSince_ = 0.0;
+  double lastProgressLog_ = 0.0;
+  std::size_t appliedAtEpisodeStart_ = 0;
+  std::size_t largestInEpisode_ = 0;
+};
+
+}  // namespace QosSnmpHost
