@@ -34,12 +34,13 @@ double ChangeFeed::applySlice() {
   const Kel::Ptr<Kel::Clock>& clock = loop_.clock();
   const double start = clock->now();
   double now = start;
+  double checkedAt = start;
   std::size_t appliedInSlice = 0;
   while (!pending_.empty()) {
     if (now < resumeAt_) {
       return resumeAt_ - now;
     }
-    if (appliedInSlice > 0 && now - start >= options_.sliceSeconds) {
+    if (appliedInSlice > 0 && (now - start >= options_.sliceSeconds || requestWaiting(checkedAt, now))) {
       noteBehind(start, appliedInSlice, now);
       return 0.0;
     }
@@ -49,6 +50,14 @@ double ChangeFeed::applySlice() {
   }
   noteCaughtUp(now);
   return Kel::Clock::kNever;
+}
+
+bool ChangeFeed::requestWaiting(double& checkedAt, double now) const {
+  if (!options_.requestWaiting || now - checkedAt < options_.checkEverySeconds) {
+    return false;
+  }
+  checkedAt = now;
+  return options_.requestWaiting();
 }
 
 void ChangeFeed::applyOne() {

@@ -6,7 +6,8 @@
 // - Lines are applied in the order they were read, each exactly once; a
 //   refused line is reported on the log and the next one follows.
 // - A slice applies at least one line (nothing starves), then stops at the
-//   first line boundary after `sliceSeconds` of the loop's clock.
+//   first line boundary after `sliceSeconds` of the loop's clock, or earlier
+//   when a request is waiting (see ChangeFeedOptions::requestWaiting).
 // - An `advance` line holds back the lines after it for that many seconds of
 //   the loop's clock, so that the agent sees changes and timers in the same
 //   order as on a virtual clock.
@@ -46,6 +47,12 @@ namespace QosSnmpHost {
 struct ChangeFeedOptions {
   // Work per slice, in seconds of the loop's clock.
   double sliceSeconds = 0.003;
+  // Whether a request waits to be served (for example
+  // ActivityManager::hookReadable); when set, a slice also ends at the first
+  // line boundary after a check found one. Checked at most every
+  // `checkEverySeconds` within a slice. Empty: slices end on time alone.
+  std::function<bool()> requestWaiting;
+  double checkEverySeconds = 0.0005;
   // Backlog at which reading pauses.
   std::size_t maxLines = 20000;
   std::size_t maxBytes = 16U << 20U;
@@ -93,6 +100,9 @@ class ChangeFeed {
   void close();
   bool full() const;
   bool drained() const;
+  // Asks options_.requestWaiting when the last check (at `checkedAt`,
+  // updated) is old enough.
+  bool requestWaiting(double& checkedAt, double now) const;
   void applyOne();
   // A slice that began at `sliceStart` and applied `appliedInSlice` lines
   // ended at `now` with due lines left.

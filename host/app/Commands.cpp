@@ -232,9 +232,11 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     if (fd < 0) {
       return kSetUpFailed;
     }
+    ChangeFeedOptions feedOptions;
+    feedOptions.requestWaiting = [&loop] { return loop.hookReadable(); };
     feed = std::make_unique<ChangeFeed>(
         loop, [&host](std::string_view line, const Source& where) { return host->apply(line, where); },
-        options.changes == "-" ? "(stdin)" : options.changes, fd, std::cerr);
+        options.changes == "-" ? "(stdin)" : options.changes, fd, std::cerr, feedOptions);
   }
   // The loop sleeps until a descriptor is ready or a timer (the agent's, or
   // net-snmp's) is due; between slices of changes it only polls.

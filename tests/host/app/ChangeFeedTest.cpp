@@ -129,6 +129,45 @@ TEST_F(ChangeFeedTest, LinesArrivingBetweenSlicesQueueBehindTheBacklog) {
   EXPECT_EQ(applied_, expectedLines(1, 8));
 }
 
+TEST_F(ChangeFeedTest, WaitingRequestEndsTheSliceEarly) {
+  bool waiting = false;
+  int checks = 0;
+  ChangeFeedOptions options;
+  options.sliceSeconds = 10.0 / 1024.0;
+  options.checkEverySeconds = 0.0;
+  options.requestWaiting = [&] {
+    ++checks;
+    return waiting;
+  };
+  makeFeed(1.0 / 1024.0, options);
+  write(lines(1, 20));
+  turn();
+  EXPECT_EQ(feed_->applySlice(), 0.0);  // ten lines fill the slice
+  EXPECT_EQ(applied_.size(), 10U);
+  EXPECT_EQ(checks, 9);  // between lines, none once the time is up
+
+  waiting = true;
+  EXPECT_EQ(feed_->applySlice(), 0.0);  // still one line: nothing starves
+  EXPECT_EQ(applied_, expectedLines(1, 11));
+}
+
+TEST_F(ChangeFeedTest, WaitingRequestIsCheckedAtMostEveryCheckInterval) {
+  int checks = 0;
+  ChangeFeedOptions options;
+  options.sliceSeconds = 0.004;
+  options.checkEverySeconds = 0.001;
+  options.requestWaiting = [&] {
+    ++checks;
+    return false;
+  };
+  makeFeed(1.0 / 8192.0, options);  // about 0.12 ms a line
+  write(lines(1, 100));
+  turn();
+  EXPECT_EQ(feed_->applySlice(), 0.0);
+  EXPECT_EQ(applied_.size(), 33U);  // 4 ms
+  EXPECT_EQ(checks, 3);             // after lines 9, 18 and 27 (1.1, 2.2, 3.3 ms)
+}
+
 TEST_F(ChangeFeedTest, NothingPendingLetsTheLoopSleep) {
   makeFeed(0.001);
   EXPECT_EQ(feed_->applySlice(), Kel::Clock::kNever);
