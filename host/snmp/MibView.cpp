@@ -420,6 +420,9 @@ struct EcnQueueCounterTable {
 
 // One instance found by a walk: the sub-identifiers after the column, and
 // the value.
+// Room for any row suffix an OID can carry (128 sub-identifiers at most).
+constexpr std::size_t kMaxSuffixLength = 128;
+
 struct Instance {
   Oid suffix;
   SnmpValue value;
@@ -462,6 +465,8 @@ struct TableOps {
       return std::nullopt;
     }
     Instance instance;
+    // One allocation, not one per doubling while the names are encoded.
+    instance.suffix.reserve(kMaxSuffixLength);
     Codec::encode(it->first, instance.suffix);
     instance.value = Table::read(column, it->first, it->second, mib);
     return instance;
@@ -529,6 +534,7 @@ bool startsWith(OidSpan oid, OidSpan prefix) {
 
 VarBind valueAt(const TableEntry& table, const MibColumnInfo& column, const Oid& suffix, SnmpValue value) {
   VarBind vb;
+  vb.oid.reserve(kObjectsOid.size() + 3 + suffix.size());
   vb.oid.assign(kObjectsOid.begin(), kObjectsOid.end());
   vb.oid.insert(vb.oid.end(), {table.info.subId, kEntrySubId, column.subId});
   vb.oid.insert(vb.oid.end(), suffix.begin(), suffix.end());
