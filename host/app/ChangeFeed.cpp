@@ -77,10 +77,15 @@ void ChangeFeed::applyOne() {
 }
 
 void ChangeFeed::read() {
-  reader_.readAvailable([this](std::string_view line, std::size_t number) {
-    pending_.push_back({std::string(line), number});
-    pendingBytes_ += line.size();
-  });
+  reader_.readAvailable(
+      [this](std::string_view line, std::size_t number) {
+        pending_.push_back({std::string(line), number});
+        pendingBytes_ += line.size();
+      },
+      [this](std::size_t number, std::size_t bytes) {
+        log_ << overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text()
+             << '\n';
+      });
   largestBacklog_ = std::max(largestBacklog_, pending_.size());
   largestInEpisode_ = std::max(largestInEpisode_, pending_.size());
   if (reader_.ended()) {

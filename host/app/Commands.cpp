@@ -13,6 +13,7 @@
 
 #include "host/app/AgentHost.h"
 #include "host/app/ChangeFeed.h"
+#include "host/app/LineReader.h"
 #include "host/app/PluginLoader.h"
 #include "host/app/SignalStopper.h"
 #include "host/dump/MibDump.h"
@@ -96,23 +97,42 @@ std::unique_ptr<AgentHost> buildAgent(const CommonOptions& common, const std::st
 // Applies a change file line by line on the virtual clock; stops at the
 // first error.
 int applyChangeFile(AgentHost& host, const std::string& path, Kel::VirtualTime& time) {
-  std::ifstream in(path);
-  if (!in) {
+  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
     std::cerr << path << ": cannot be read\n";
     return kBadInput;
   }
-  std::string line;
-  for (int number = 1; std::getline(in, line); ++number) {
-    Result<Change> change = host.apply(line, {path, number});
-    if (!change) {
-      std::cerr << change.error().text() << '\n';
-      return kBadInput;
-    }
-    if (change->op == Change::Op::advance) {
-      time.advance(change->seconds);
-    }
+  LineReader reader(fd);
+  int status = kOk;
+  const auto refuse = [&status](const LoadError& error) {
+    std::cerr << error.text() << '\n';
+    status = kBadInput;
+  };
+  // The reader hands over every line of a regular file at once; lines after
+  // the first error are not applied.
+  const bool read = reader.readAvailable(
+      [&](std::string_view line, std::size_t number) {
+        if (status != kOk) {
+          return;
+        }
+        Result<Change> change = host.apply(line, {path, static_cast<int>(number)});
+        if (!change) {
+          refuse(change.error());
+        } else if (change->op == Change::Op::advance) {
+          time.advance(change->seconds);
+        }
+      },
+      [&](std::size_t number, std::size_t bytes) {
+        if (status == kOk) {
+          refuse(overlongLineError({path, static_cast<int>(number)}, bytes, reader.maxLineBytes()));
+        }
+      });
+  ::close(fd);
+  if (!read && status == kOk) {
+    std::cerr << path << ": cannot be read\n";
+    return kBadInput;
   }
-  return kOk;
+  return status;
 }
 
 // dump, check and tree: an agent on a virtual clock that starts at 0, so

@@ -6,8 +6,14 @@
 #include <cerrno>
 
 namespace QosSnmpHost {
+namespace {
 
-bool LineReader::readAvailable(const OnLine& onLine) {
+// Memory kept for a line between reads once a long line has gone.
+constexpr std::size_t kKeptCapacity = std::size_t{1} << 16U;
+
+}  // namespace
+
+bool LineReader::readAvailable(const OnLine& onLine, const OnOverlong& onOverlong) {
   std::array<char, 65536> buffer{};
   while (!ended_) {
     const ssize_t got = ::read(fd_, buffer.data(), buffer.size());
@@ -21,20 +27,45 @@ bool LineReader::readAvailable(const OnLine& onLine) {
       ended_ = true;
       break;
     }
-    pending_.append(buffer.data(), static_cast<std::size_t>(got));
-    std::size_t start = 0;
-    for (std::size_t end = pending_.find('\n'); end != std::string::npos; end = pending_.find('\n', start)) {
-      onLine(std::string_view(pending_).substr(start, end - start), ++lineNumber_);
-      start = end + 1;
-    }
-    pending_.erase(0, start);
+    take(std::string_view(buffer.data(), static_cast<std::size_t>(got)), onLine, onOverlong);
   }
-  if (ended_ && !pending_.empty()) {
-    const std::string last = std::move(pending_);
-    pending_.clear();
-    onLine(last, ++lineNumber_);
+  if (ended_ && (!pending_.empty() || skipped_ != 0)) {
+    endLine(onLine, onOverlong);
   }
   return true;
+}
+
+void LineReader::take(std::string_view bytes, const OnLine& onLine, const OnOverlong& onOverlong) {
+  while (!bytes.empty()) {
+    const std::size_t newline = bytes.find('\n');
+    const std::string_view part = bytes.substr(0, newline);
+    if (skipped_ != 0 || pending_.size() + part.size() > maxLineBytes_) {
+      skipped_ += pending_.size() + part.size();
+      pending_.clear();
+    } else {
+      pending_.append(part);
+    }
+    if (newline == std::string_view::npos) {
+      return;
+    }
+    endLine(onLine, onOverlong);
+    bytes.remove_prefix(newline + 1);
+  }
+}
+
+void LineReader::endLine(const OnLine& onLine, const OnOverlong& onOverlong) {
+  ++lineNumber_;
+  if (skipped_ != 0) {
+    const std::size_t bytes = skipped_;
+    skipped_ = 0;
+    onOverlong(lineNumber_, bytes);
+  } else {
+    onLine(pending_, lineNumber_);
+  }
+  pending_.clear();
+  if (pending_.capacity() > kKeptCapacity) {
+    pending_.shrink_to_fit();
+  }
 }
 
 }  // namespace QosSnmpHost

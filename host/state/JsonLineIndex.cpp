@@ -1,7 +1,10 @@
 #include "host/state/JsonLineIndex.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace QosSnmpHost {
@@ -43,10 +46,15 @@ class LineCountingIterator {
   int* line_;
 };
 
-// Records the line of every object key, under the pointer of its member.
-class KeyLines : public nlohmann::json_sax<Json> {
+// Follows the members on the way to one path: `matched` of its segments
+// are the keys of the containers open now. Remembers the line of the
+// deepest member of the path it has seen, and stops at the path itself.
+class PathLine : public nlohmann::json_sax<Json> {
  public:
-  KeyLines(const int* line, std::unordered_map<std::string, int>* lines) : line_(line), lines_(lines) {}
+  PathLine(const int* line, std::vector<std::string> segments)
+      : line_(line), segments_(std::move(segments)) {}
+
+  int found() const { return foundLine_; }
 
   bool null() override { return true; }
   bool boolean(bool /*value*/) override { return true; }
@@ -55,30 +63,27 @@ class KeyLines : public nlohmann::json_sax<Json> {
   bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
   bool string(string_t& /*value*/) override { return true; }
   bool binary(binary_t& /*value*/) override { return true; }
-  bool start_object(std::size_t /*elements*/) override {
-    frames_.emplace_back();
-    return true;
-  }
-  bool key(string_t& key) override {
-    frames_.back() = key;
-    Json::json_pointer path;
-    for (const auto& frame : frames_) {
-      path /= frame;
-    }
-    lines_->emplace(path.to_string(), *line_);
-    return true;
-  }
-  bool end_object() override {
-    frames_.pop_back();
-    return true;
-  }
-  // Array elements are not named by the documents' paths: one opaque frame.
+  bool start_object(std::size_t /*elements*/) override { return open(); }
+  // Array elements are not named by the documents' paths: a container
+  // whose members never match.
   bool start_array(std::size_t /*elements*/) override {
-    frames_.emplace_back("-");
+    inArray_.push_back(true);
     return true;
   }
-  bool end_array() override {
-    frames_.pop_back();
+  bool end_object() override { return close(); }
+  bool end_array() override { return close(); }
+  bool key(string_t& key) override {
+    // The key's segment index is the depth of its object, less one.
+    const std::size_t index = inArray_.size() - 1;
+    matched_ = std::min(matched_, index);
+    if (matched_ == index && index < segments_.size() && key == segments_[index]) {
+      matched_ = index + 1;
+      if (matched_ > foundDepth_) {
+        foundDepth_ = matched_;
+        foundLine_ = *line_;
+      }
+      return matched_ < segments_.size();
+    }
     return true;
   }
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/,
@@ -87,27 +92,41 @@ class KeyLines : public nlohmann::json_sax<Json> {
   }
 
  private:
+  bool open() {
+    inArray_.push_back(false);
+    return true;
+  }
+  bool close() {
+    inArray_.pop_back();
+    matched_ = std::min(matched_, inArray_.size());
+    return true;
+  }
+
   const int* line_;
-  std::unordered_map<std::string, int>* lines_;
-  std::vector<std::string> frames_;
+  std::vector<std::string> segments_;
+  std::vector<bool> inArray_;
+  std::size_t matched_ = 0;
+  std::size_t foundDepth_ = 0;
+  int foundLine_ = 0;
 };
 
 }  // namespace
 
-JsonLineIndex::JsonLineIndex(std::string_view text) {
-  int line = 1;
-  KeyLines sax(&line, &lines_);
-  Json::sax_parse(LineCountingIterator(text.data(), &line),
-                  LineCountingIterator(text.data() + text.size(), &line), &sax);
-}
-
 int JsonLineIndex::lineOf(const nlohmann::json::json_pointer& path) const {
+  std::vector<std::string> segments;
   for (auto at = path; !at.empty(); at = at.parent_pointer()) {
-    if (const auto it = lines_.find(at.to_string()); it != lines_.end()) {
-      return it->second;
-    }
+    segments.push_back(at.back());
   }
-  return 0;
+  std::reverse(segments.begin(), segments.end());
+  int line = 1;
+  PathLine sax(&line, std::move(segments));
+  try {
+    Json::sax_parse(LineCountingIterator(text_.data(), &line),
+                    LineCountingIterator(text_.data() + text_.size(), &line), &sax);
+  } catch (const nlohmann::json::exception&) {
+    // The deepest member found before the library gave up stands.
+  }
+  return sax.found();
 }
 
 }  // namespace QosSnmpHost

@@ -11,6 +11,7 @@
 // the error that prevented it.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
@@ -34,6 +35,14 @@ struct LoadError {
   // "<file>:<line>: <path>: <message>", without the parts that are unknown.
   std::string text() const;
 };
+
+// A line of the change stream over the length limit (InputLimits), which
+// the reader dropped without keeping it.
+inline LoadError overlongLineError(const Source& where, std::size_t bytes, std::size_t maxBytes) {
+  return LoadError{where.file, where.line, std::nullopt,
+                   "line of " + std::to_string(bytes) + " bytes is longer than the limit of " +
+                       std::to_string(maxBytes) + " bytes; skipped"};
+}
 
 // A value of type T, or the LoadError that prevented it.
 template <typename T>

@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+#include "host/state/InputLimits.h"
+
 namespace QosSnmpHost {
 namespace detail {
 
@@ -52,10 +54,11 @@ bool isInterfaceName(std::string_view name) {
 }
 
 std::string shown(const Json& value) {
-  constexpr std::size_t kMaxShown = 60;
-  std::string text = value.dump();
-  if (text.size() > kMaxShown) {
-    text = text.substr(0, kMaxShown) + "...";
+  // The value's depth is bounded where it was parsed; strings are valid
+  // UTF-8 there too, but a replacement beats an exception here.
+  std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+  if (text.size() > InputLimits::maxShownBytes) {
+    text = text.substr(0, InputLimits::maxShownBytes) + "...";
   }
   return text;
 }

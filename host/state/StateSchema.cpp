@@ -1,6 +1,8 @@
 #include "host/state/StateSchema.h"
 
+#include <algorithm>
 #include <map>
+#include <set>
 #include <type_traits>
 #include <utility>
 
@@ -638,8 +640,6 @@ Json canonicalMember(const Attr& attr, const Json& input, const JsonPointer& pat
   return canonicalEntity(*attr.member, input, path, key, holderKey);
 }
 
-namespace {
-
 void checkEntityReferences(const Json& document, const EntityType& type, const Json& canonical,
                            const JsonPointer& path) {
   for (const auto& attr : type.attrs) {
@@ -660,13 +660,123 @@ void checkEntityReferences(const Json& document, const EntityType& type, const J
   }
 }
 
-}  // namespace
-
 void checkReferences(const Json& document) {
   for (const auto& root : stateSchema().roots) {
     if (root.type->holdsReferences) {
       const JsonPointer path = JsonPointer("/" + root.name);
       checkEntityReferences(document, *root.type, document.at(path), path);
+    }
+  }
+}
+
+namespace {
+
+// The segments of a canonical pointer.
+std::vector<std::string> segmentsOf(const JsonPointer& path) {
+  std::vector<std::string> segments;
+  for (JsonPointer at = path; !at.empty(); at = at.parent_pointer()) {
+    segments.push_back(at.back());
+  }
+  std::reverse(segments.begin(), segments.end());
+  return segments;
+}
+
+// The object at `path` of `document`, or null.
+const Json* objectAt(const Json& document, const JsonPointer& path) {
+  return document.contains(path) && document.at(path).is_object() ? &document.at(path) : nullptr;
+}
+
+// The names of the class maps of one map type in the canonical value at
+// `path` (a class map, the map type's collection or entity, or the types'
+// collection).
+void classMapsIn(const Json& value, const std::vector<std::string>& path, std::set<std::string>& names,
+                 const std::string& mapType) {
+  // /qosStatus/cmapType/<type>/cmap/<name>: a change below a class map
+  // removes none.
+  const std::size_t depth = path.size();
+  if (depth == 5) {
+    names.insert(path[4]);
+    return;
+  }
+  const Json* cmap = nullptr;
+  if (depth == 4) {
+    cmap = &value;
+  } else if (depth == 3 && value.contains("cmap")) {
+    cmap = &value.at("cmap");
+  } else if (depth == 2 && value.contains(mapType) && value.at(mapType).contains("cmap")) {
+    cmap = &value.at(mapType).at("cmap");
+  }
+  if (cmap != nullptr && cmap->is_object()) {
+    for (const auto& [name, member] : cmap->items()) {
+      names.insert(name);
+    }
+  }
+}
+
+}  // namespace
+
+void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before) {
+  const std::vector<std::string> path = segmentsOf(changed);
+  if (path.empty() || path[0] != "qosStatus") {
+    return;
+  }
+  const StateSchema& schema = stateSchema();
+  const EntityType& status = *schema.root("qosStatus")->type;
+  const EntityType& policyMapTypeStatus = *status.attr("pmapType")->member;
+  const EntityType& policyMap = *policyMapTypeStatus.attr("pmap")->member;
+  const JsonPointer root("/qosStatus");
+
+  // References held in the changed value: a change inside a policy map is
+  // checked over that policy map; one above it, over all it replaced.
+  if (path.size() == 1) {
+    checkEntityReferences(document, status, document.at(root), root);
+    return;
+  }
+  if (path[1] == "pmapType") {
+    if (path.size() >= 5 && path[3] == "pmap") {
+      const JsonPointer at = root / "pmapType" / path[2] / "pmap" / path[4];
+      if (const Json* value = objectAt(document, at)) {
+        checkEntityReferences(document, policyMap, *value, at);
+      }
+    } else if (const Json* types = objectAt(document, root / "pmapType")) {
+      for (const auto& [mapType, value] : types->items()) {
+        if (path.size() == 2 || path[2] == mapType) {
+          checkEntityReferences(document, policyMapTypeStatus, value, root / "pmapType" / mapType);
+        }
+      }
+    }
+    return;
+  }
+
+  // Class maps the change removed, by map type, and the class defaults of
+  // that map type's policy maps that named one.
+  if (before == nullptr || path[1] != "cmapType") {
+    return;
+  }
+  const Json* types = objectAt(document, root / "pmapType");
+  if (types == nullptr) {
+    return;
+  }
+  for (const auto& [mapType, typeStatus] : types->items()) {
+    if (path.size() >= 3 && path[2] != mapType) {
+      continue;
+    }
+    if (path.size() > 5) {
+      break;
+    }
+    std::set<std::string> gone;
+    classMapsIn(*before, path, gone, mapType);
+    if (gone.empty() || !typeStatus.contains("pmap")) {
+      continue;
+    }
+    const JsonPointer cmaps = root / "cmapType" / mapType / "cmap";
+    const Json* present = objectAt(document, cmaps);
+    for (const auto& [pmapName, pmap] : typeStatus.at("pmap").items()) {
+      const Json& classDefault = pmap.at("classDefault");
+      if (classDefault.is_string() && gone.contains(classDefault.get<std::string>()) &&
+          (present == nullptr || !present->contains(classDefault.get<std::string>()))) {
+        checkEntityReferences(document, policyMap, pmap, root / "pmapType" / mapType / "pmap" / pmapName);
+      }
     }
   }
 }

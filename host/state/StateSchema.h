@@ -143,5 +143,18 @@ Json defaultOf(const Attr& attr, const std::string& holderOwnerKey);
 // Throws SchemaError when a reference of `document` (canonical) names an
 // entity that the document does not hold.
 void checkReferences(const Json& document);
+// The same for the references held at or below the entity of `type` whose
+// canonical form `canonical` stands at `path` in `document`.
+void checkEntityReferences(const Json& document, const EntityType& type, const Json& canonical,
+                           const JsonPointer& path);
+// The same for a change of `document` at `changed` (canonical; `before` the
+// value there before it, null when it was absent): only the references the
+// change can affect are looked at, so the cost follows the size of the
+// change and of the map type it touches, never that of the document:
+// - those held in the changed value, or in the policy map it lies in
+//   (a default class action names a class action of its own policy map);
+// - those naming a class map that the change removed: the class defaults of
+//   the policy maps of that class map's type.
+void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before);
 
 }  // namespace QosSnmpHost

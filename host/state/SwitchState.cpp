@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "host/state/EntityStore.h"
+#include "host/state/JsonInput.h"
 #include "host/state/JsonLineIndex.h"
+#include "host/state/PrintableText.h"
 #include "host/state/StateCodec.h"
 #include "host/state/StateSchema.h"
 #include "host/state/StateTarget.h"
@@ -21,21 +23,6 @@ namespace {
 
 // A line-level error: not about one value of the document.
 using LineError = std::invalid_argument;
-
-// nlohmann's parse error text without its "[json.exception...] parse error
-// at line L, column C: " prefix.
-std::string parseErrorText(const nlohmann::json::parse_error& error) {
-  const std::string text = error.what();
-  const auto column = text.find("column ");
-  const auto colon = column == std::string::npos ? std::string::npos : text.find(": ", column);
-  return "invalid JSON: " + (colon == std::string::npos ? text : text.substr(colon + 2));
-}
-
-int lineAt(std::string_view text, std::size_t byte) {
-  const std::size_t end = std::min(byte == 0 ? 0 : byte - 1, text.size());
-  return 1 +
-         static_cast<int>(std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(end), '\n'));
-}
 
 // The first segment of a canonical pointer: the root it lies under.
 std::string rootNameOf(const JsonPointer& path) {
@@ -70,15 +57,16 @@ void checkFields(const Json& line, std::initializer_list<const char*> allowed) {
 }  // namespace
 
 std::string LoadError::text() const {
-  std::string out = file;
+  std::string out = PrintableText::of(file, InputLimits::maxPathBytes);
   if (line > 0) {
     out += ':' + std::to_string(line);
   }
   out += ": ";
   if (path) {
-    out += (path->empty() ? std::string("(document)") : *path) + ": ";
+    out += (path->empty() ? std::string("(document)") : PrintableText::of(*path, InputLimits::maxPathBytes)) +
+           ": ";
   }
-  return out + message;
+  return out + PrintableText::of(message, InputLimits::maxMessageBytes);
 }
 
 class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json moves do not throw
@@ -88,6 +76,7 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   std::vector<Kel::Ptr<Kel::Entity>> roots_;
   StateGuard* guard_ = nullptr;
   std::string file_;
+  InputLimits limits_;
 
   Change applyChange(const Json& line);
   Change applyEdit(const std::string& op, const Json& line);
@@ -131,6 +120,10 @@ Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std:
     checkReferences(impl->document_);
   } catch (const SchemaError& error) {
     return LoadError{file, 0, error.path.to_string(), error.message};
+  } catch (const nlohmann::json::exception& error) {
+    // Every value is checked before it is read; this is the boundary's last
+    // line of defence, so that no document can end the program.
+    return LoadError{file, 0, std::nullopt, std::string("malformed document: ") + error.what()};
   }
   for (const auto& root : schema.roots) {
     impl->roots_.push_back(impl->store_.buildRoot(*root.type, root.name, impl->document_.at(root.name)));
@@ -138,14 +131,16 @@ Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std:
   return SwitchState(std::move(impl));
 }
 
-Result<SwitchState> SwitchState::loadText(std::string_view text, const std::string& file) {
-  Json document;
-  try {
-    document = Json::parse(text);
-  } catch (const nlohmann::json::parse_error& error) {
-    return LoadError{file, lineAt(text, error.byte), std::nullopt, parseErrorText(error)};
+Result<SwitchState> SwitchState::loadText(std::string_view text, const std::string& file,
+                                          const InputLimits& limits) {
+  JsonInput::Parsed parsed = JsonInput::parse(text, limits);
+  if (!parsed.value) {
+    return LoadError{file, parsed.line, std::nullopt, parsed.error};
   }
-  auto loaded = load(document, file);
+  auto loaded = load(*parsed.value, file);
+  if (loaded) {
+    loaded->impl_->limits_ = limits;
+  }
   if (!loaded && loaded.error().path) {
     LoadError error = loaded.error();
     error.line = JsonLineIndex(text).lineOf(JsonPointer(*error.path));
@@ -154,14 +149,14 @@ Result<SwitchState> SwitchState::loadText(std::string_view text, const std::stri
   return loaded;
 }
 
-Result<SwitchState> SwitchState::loadFile(const std::string& path) {
+Result<SwitchState> SwitchState::loadFile(const std::string& path, const InputLimits& limits) {
   std::ifstream in(path, std::ios::binary);
   if (!in) {
     return LoadError{path, 0, std::nullopt, std::string("cannot read the file: ") + std::strerror(errno)};
   }
   std::ostringstream text;
   text << in.rdbuf();
-  return loadText(text.str(), path);
+  return loadText(text.str(), path, limits);
 }
 
 void SwitchState::guardIs(StateGuard* guard) { impl_->guard_ = guard; }
@@ -189,18 +184,23 @@ Result<Change> SwitchState::apply(std::string_view line, const Source& where) {
   if (first == std::string_view::npos || line[first] == '#') {
     return Change{};
   }
-  Json parsed;
-  try {
-    parsed = Json::parse(line);
-  } catch (const nlohmann::json::parse_error& error) {
-    return LoadError{where.file, where.line, std::nullopt, parseErrorText(error)};
+  if (line.size() > impl_->limits_.maxLineBytes) {
+    return overlongLineError(where, line.size(), impl_->limits_.maxLineBytes);
+  }
+  JsonInput::Parsed parsed = JsonInput::parse(line, impl_->limits_);
+  if (!parsed.value) {
+    return LoadError{where.file, where.line, std::nullopt, parsed.error};
   }
   try {
-    return impl_->applyChange(parsed);
+    return impl_->applyChange(*parsed.value);
   } catch (const LineError& error) {
     return LoadError{where.file, where.line, std::nullopt, error.what()};
   } catch (const SchemaError& error) {
     return LoadError{where.file, where.line, error.path.to_string(), error.message};
+  } catch (const nlohmann::json::exception& error) {
+    // Every value was checked before it is read; this is the boundary's
+    // last line of defence, so that no input can end the program.
+    return LoadError{where.file, where.line, std::nullopt, std::string("malformed change: ") + error.what()};
   }
 }
 
@@ -212,8 +212,11 @@ Change SwitchState::Impl::applyChange(const Json& line) {
   if (op == "advance") {
     checkFields(line, {"op", "seconds"});
     const Json& seconds = field(line, "seconds");
-    if (!seconds.is_number() || !std::isfinite(seconds.get<double>()) || seconds.get<double>() < 0.0) {
-      throw LineError("\"seconds\": expected a number of seconds >= 0, got " + detail::shown(seconds));
+    if (!seconds.is_number() || !std::isfinite(seconds.get<double>()) || seconds.get<double>() < 0.0 ||
+        seconds.get<double>() > limits_.maxAdvanceSeconds) {
+      throw LineError("\"seconds\": expected a number of seconds from 0 to " +
+                      std::to_string(static_cast<long long>(limits_.maxAdvanceSeconds)) + ", got " +
+                      detail::shown(seconds));
     }
     Change change;
     change.op = Change::Op::advance;
@@ -318,7 +321,7 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
                                    document_, before ? &*before : nullptr};
   try {
     if (stateSchema().root(rootNameOf(target.path))->type->holdsReferences) {
-      checkReferences(document_);
+      checkReferencesOfChange(document_, target.path, before ? &*before : nullptr);
     }
     if (guard_ != nullptr) {
       if (auto refusal = guard_->refusal(transition)) {

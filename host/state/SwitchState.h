@@ -54,6 +54,7 @@
 #include "QosSnmp/core/HwStatus.h"
 #include "QosSnmp/core/QosMibConfig.h"
 #include "QosSnmp/core/Status.h"
+#include "host/state/InputLimits.h"
 #include "host/state/LoadError.h"
 #include "host/state/StateGuard.h"
 #include "kel/Dir.h"
@@ -94,9 +95,11 @@ class SwitchState {
   static Result<SwitchState> load(const nlohmann::json& document, const std::string& file = "(document)");
   // The same from JSON text; errors carry the line of the syntax error or of
   // the offending member.
-  static Result<SwitchState> loadText(std::string_view text, const std::string& file);
+  // `limits` bound the text and every later change line.
+  static Result<SwitchState> loadText(std::string_view text, const std::string& file,
+                                      const InputLimits& limits = {});
   // The same from a file (an unreadable file is a LoadError too).
-  static Result<SwitchState> loadFile(const std::string& path);
+  static Result<SwitchState> loadFile(const std::string& path, const InputLimits& limits = {});
 
   SwitchState(SwitchState&&) noexcept;
   SwitchState& operator=(SwitchState&&) noexcept;

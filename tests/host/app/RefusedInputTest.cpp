@@ -47,6 +47,30 @@ std::string set(const std::string& path, const std::string& value) {
 }
 std::string del(const std::string& path) { return R"({"op": "delete", "path": ")" + path + R"("})"; }
 
+std::string repeated(const std::string& text, int times) {
+  std::string out;
+  for (int i = 0; i < times; ++i) {
+    out += text;
+  }
+  return out;
+}
+std::string quoted(const std::string& text) {
+  std::string out(1, '"');
+  out.append(text);
+  out.push_back('"');
+  return out;
+}
+// `line` followed by a NUL byte.
+std::string withNul(const std::string& line) {
+  std::string out = line;
+  out.push_back('\0');
+  return out;
+}
+// A change line whose value is `depth` objects, one inside the other.
+std::string deepObjects(int depth) {
+  return set("/hwStatus/coppSupported", repeated(R"({"a": )", depth) + "1" + std::string(depth, '}'));
+}
+
 std::vector<Case> cases() {
   return {
 #include "RefusedInputCases.inc"

@@ -24,7 +24,7 @@
 namespace QosSnmpHost {
 namespace {
 
-const std::filesystem::path kExamples = std::filesystem::path(__FILE__).parent_path() / "../../../examples";
+const std::filesystem::path kExamples = std::filesystem::path(QOS_SOURCE_DIR) / "examples";
 const std::string kSwitchFile = (kExamples / "leaf-switch.json").lexically_normal().string();
 const std::string kChangesFile = (kExamples / "leaf-switch-changes.jsonl").lexically_normal().string();
 

@@ -683,8 +683,7 @@ void scanDefinitions(const std::vector<std::string>& words, std::map<std::string
                      std::map<std::string, MibObject>& objects);
 
 std::map<std::string, MibObject> mibObjects() {
-  const std::filesystem::path file =
-      std::filesystem::path(__FILE__).parent_path() / "../../../mib/QOS-SNMP-MIB.txt";
+  const std::filesystem::path file = std::filesystem::path(QOS_SOURCE_DIR) / "mib/QOS-SNMP-MIB.txt";
   std::ifstream in(file);
   EXPECT_TRUE(in) << file;
   std::vector<std::string> words;

@@ -353,7 +353,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{R"({"op": "delete", "path": "/hwStatus/coppSupported", "value": true})",
                 "changes.jsonl:7: unknown key \"value\" in a delete change (expected \"op\", \"path\")"},
         BadLine{R"({"op": "advance", "seconds": -1})",
-                "changes.jsonl:7: \"seconds\": expected a number of seconds >= 0, got -1"},
+                "changes.jsonl:7: \"seconds\": expected a number of seconds from 0 to 86400, got -1"},
         BadLine{R"({"op": "set", "path": "hwStatus/coppSupported", "value": true})",
                 "changes.jsonl:7: \"path\": a JSON Pointer starts with '/', got \"hwStatus/coppSupported\""},
         BadLine{R"({"op": "set", "path": "/hwStatus/a~2b", "value": true})",
@@ -408,6 +408,23 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{R"({"op": "delete", "path": "/qosStatus/cmapType/mapQos/cmap/c2"})",
                 "changes.jsonl:7: " KPM1 "/classDefault: class map \"c2\" does not exist (no "
                 "/qosStatus/cmapType/mapQos/cmap/c2)"},
+        // A class map named by a class default leaves with everything above it.
+        BadLine{R"({"op": "delete", "path": "/qosStatus/cmapType/mapQos/cmap"})",
+                "changes.jsonl:7: " KPM1 "/classDefault: class map \"c2\" does not exist (no "
+                "/qosStatus/cmapType/mapQos/cmap/c2)"},
+        BadLine{R"({"op": "set", "path": "/qosStatus/cmapType/mapQos", "value": {"cmap": {"c1": {}}}})",
+                "changes.jsonl:7: " KPM1 "/classDefault: class map \"c2\" does not exist (no "
+                "/qosStatus/cmapType/mapQos/cmap/c2)"},
+        BadLine{R"({"op": "delete", "path": "/qosStatus/cmapType/mapQos"})",
+                "changes.jsonl:7: " KPM1 "/classDefault: class map \"c2\" does not exist (no "
+                "/qosStatus/cmapType/mapQos/cmap/c2)"},
+        BadLine{R"({"op": "set", "path": "/qosStatus/cmapType", "value": {}})",
+                "changes.jsonl:7: " KPM1 "/classDefault: class map \"c2\" does not exist (no "
+                "/qosStatus/cmapType/mapQos/cmap/c2)"},
+        BadLine{R"({"op": "set", "path": "/qosStatus/pmapType", "value": {"mapQos": {"pmap": {"p9": )"
+                R"({"classDefault": "c8"}}}}})",
+                "changes.jsonl:7: /qosStatus/pmapType/mapQos/pmap/p9/classDefault: class map \"c8\" does not "
+                "exist (no /qosStatus/cmapType/mapQos/cmap/c8)"},
         BadLine{
             R"({"op": "set", "path": "/mibConfig/counterPollPeriod", "value": "foo"})",
             "changes.jsonl:7: /mibConfig/counterPollPeriod: expected a period in seconds (a number >= 0, or "

@@ -17,10 +17,9 @@ using nlohmann::json;
 using QosSnmpHost::Attr;
 using QosSnmpHost::EntityType;
 
-// A file of the repository, found from this source file's own path.
+// A file of the repository, found from its root as the build gives it.
 std::string repositoryFile(const std::string& relative) {
-  const std::string here = __FILE__;
-  return here.substr(0, here.rfind("tests/host/state/")) + relative;
+  return std::string(QOS_SOURCE_DIR) + "/" + relative;
 }
 
 std::string readFile(const std::string& path) {
