@@ -92,9 +92,10 @@ void ChangeFeed::read() {
     log_ << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
     close();
   } else if (full()) {
-    log_ << "qos-snmp-agent: " << name_ << ": " << pending_.size()
-         << " change lines waiting; reading paused until half of them are applied\n";
-    pausedInEpisode_ = true;
+    if (pausesInEpisode_++ == 0) {
+      log_ << "qos-snmp-agent: " << name_ << ": " << pending_.size()
+           << " change lines waiting; reading paused until half of them are applied\n";
+    }
     unwatch();
   }
 }
@@ -144,13 +145,17 @@ void ChangeFeed::noteBehind(double sliceStart, std::size_t appliedInSlice, doubl
 }
 
 void ChangeFeed::noteCaughtUp(double now) {
-  if (behind_ && (pausedInEpisode_ || now - behindSince_ >= kSummaryAfterSeconds)) {
+  if (behind_ && (pausesInEpisode_ > 0 || now - behindSince_ >= kSummaryAfterSeconds)) {
     log_ << "qos-snmp-agent: " << name_ << ": caught up: " << (applied_ - appliedAtEpisodeStart_)
          << " lines applied in " << std::lround((now - behindSince_) * 1000.0) << " ms, at most "
-         << largestInEpisode_ << " waiting\n";
+         << largestInEpisode_ << " waiting";
+    if (pausesInEpisode_ > 0) {
+      log_ << ", reading paused " << pausesInEpisode_ << (pausesInEpisode_ == 1 ? " time" : " times");
+    }
+    log_ << '\n';
   }
   behind_ = false;
-  pausedInEpisode_ = false;
+  pausesInEpisode_ = 0;
   largestInEpisode_ = 0;
 }
 

@@ -19,10 +19,11 @@
 //   backlog past the bound.
 // - When the stream ends the descriptor is closed; lines already read are
 //   still applied.
-// - Log lines: refusals, the stream's end, reading paused, and, after an
-//   episode in which the agent was behind for a second or more, a summary
-//   (lines applied, seconds, largest backlog); while behind, a progress
-//   line at most every 10 seconds.
+// - Log lines: refusals and overlong lines, the stream's end, the first
+//   pause of reading until the backlog is next empty, and, after an episode
+//   in which the agent was behind for a second or more or paused reading, a
+//   summary (lines applied, milliseconds, largest backlog, pauses); while
+//   behind, a progress line at most every 10 seconds.
 //
 //   ChangeFeed feed(loop, [&](std::string_view line, const Source& where) { return host.apply(line, where);
 //   },
@@ -53,9 +54,10 @@ struct ChangeFeedOptions {
   // `checkEverySeconds` within a slice. Empty: slices end on time alone.
   std::function<bool()> requestWaiting;
   double checkEverySeconds = 0.0005;
-  // Backlog at which reading pauses.
-  std::size_t maxLines = 20000;
-  std::size_t maxBytes = 16U << 20U;
+  // Backlog at which reading pauses. The lines bound keeps the time to catch
+  // up after a flood to a few seconds at ~1 ms a change.
+  std::size_t maxLines = 2000;
+  std::size_t maxBytes = 4U << 20U;
 };
 
 class ChangeFeed {
@@ -125,7 +127,8 @@ class ChangeFeed {
 
   // The current episode of being behind (a slice ended with due lines left).
   bool behind_ = false;
-  bool pausedInEpisode_ = false;
+  // Times reading paused since the backlog was last empty.
+  std::size_t pausesInEpisode_ = 0;
   double behindSince_ = 0.0;
   double lastProgressLog_ = 0.0;
   std::size_t appliedAtEpisodeStart_ = 0;

@@ -234,6 +234,12 @@ TEST_F(ChangeFeedTest, FullBacklogStopsReadingSoThePipeHoldsTheWriterBack) {
     EXPECT_LE(feed_->backlog(), 100U + 65536U / 7U);
   }
   EXPECT_EQ(applied_, expectedLines(1, written));
+
+  // Reading paused again after it resumed: logged once, counted in the summary.
+  const std::string log = log_.str();
+  EXPECT_EQ(log.find("reading paused until"), log.rfind("reading paused until")) << log;
+  EXPECT_NE(log.find("caught up: " + std::to_string(written) + " lines applied"), std::string::npos) << log;
+  EXPECT_NE(log.find(" times\n"), std::string::npos) << log;
 }
 
 TEST_F(ChangeFeedTest, ByteBoundStopsReadingToo) {
@@ -290,14 +296,14 @@ TEST_F(ChangeFeedTest, ShortEpisodeBehindIsNotLogged) {
 
 TEST_F(ChangeFeedTest, ProgressIsLoggedEveryTenSecondsWhileBehind) {
   makeFeed(1.0 / 128.0);
-  write(lines(1, 2000));
+  write(lines(1, 1900));
   turn();
   while (feed_->applySlice() == 0.0) {
   }
   EXPECT_EQ(
       log_.str(),
-      "qos-snmp-agent: changes.fifo: behind for 10 s: 1280 lines applied, 720 waiting\n"
-      "qos-snmp-agent: changes.fifo: caught up: 2000 lines applied in 15625 ms, at most 2000 waiting\n");
+      "qos-snmp-agent: changes.fifo: behind for 10 s: 1280 lines applied, 620 waiting\n"
+      "qos-snmp-agent: changes.fifo: caught up: 1900 lines applied in 14844 ms, at most 1900 waiting\n");
 }
 
 }  // namespace
