@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <sstream>
+#include <tuple>
 #include <utility>
 
 #include "QosSnmp/core/QosMib.h"
@@ -418,15 +420,35 @@ struct EcnQueueCounterTable {
   }
 };
 
-// One instance found by a walk: the sub-identifiers after the column, and
-// the value.
 // Room for any row suffix an OID can carry (128 sub-identifiers at most).
 constexpr std::size_t kMaxSuffixLength = 128;
 
-struct Instance {
+}  // namespace
+
+// The last instance next() answered in a table: its row suffix and the index
+// that suffix encodes. A GETNEXT for exactly that suffix (the next step of
+// every walk) goes to the upper bound of the kept index instead of decoding
+// the OID; the bound is taken on the index's value, so rows added or removed
+// since then change nothing. Indexes share their names' buffers: keeping one
+// costs no allocation.
+struct MibWalkCursor {
+  std::uint32_t table = 0;  // 0: nothing kept
   Oid suffix;
-  SnmpValue value;
+  std::tuple<std::optional<QosSnmp::ClassMapTableIndex>, std::optional<QosSnmp::ClassMapMatchTableIndex>,
+             std::optional<QosSnmp::PolicyMapTableIndex>, std::optional<QosSnmp::PolicyMapClassTableIndex>,
+             std::optional<QosSnmp::PolicyMapActionTableIndex>, std::optional<QosSnmp::QosStatsTableIndex>,
+             std::optional<QosSnmp::QosPolicerStatsTableIndex>,
+             std::optional<QosSnmp::ServicePolicyTableIndex>, std::optional<Snmp::String>,
+             std::optional<QosSnmp::EcnQueueCounterTableIndex>>
+      indexes;
+
+  template <typename Table>
+  std::optional<typename Table::Index>& index() {
+    return std::get<std::optional<typename Table::Index>>(indexes);
+  }
 };
+
+namespace {
 
 // The operations of one table, written once for every table.
 template <typename Table>
@@ -445,12 +467,17 @@ struct TableOps {
     return Table::read(column, *index, *row, mib);
   }
 
-  // The first row whose suffix is strictly greater than `after`, or the
-  // first row of the column when `after` is absent.
-  static std::optional<Instance> next(const QosMib& mib, std::uint32_t column, std::optional<OidSpan> after) {
+  // The column's value in the first row whose suffix is strictly greater
+  // than `after`, or in the column's first row when `after` is absent; that
+  // row's suffix and index are left in `cursor`.
+  static std::optional<SnmpValue> next(const QosMib& mib, std::uint32_t column, std::optional<OidSpan> after,
+                                       MibWalkCursor& cursor) {
     const auto& rows = Table::rows(mib);
     auto it = rows.begin();
-    if (after) {
+    std::optional<typename Table::Index>& kept = cursor.index<Table>();
+    if (after && cursor.table == Table::kSubId && kept && std::ranges::equal(*after, cursor.suffix)) {
+      it = rows.upperBound(*kept);
+    } else if (after) {
       const auto seek = Codec::seek(*after);
       if (!seek) {
         return std::nullopt;
@@ -464,19 +491,19 @@ struct TableOps {
     if (it == rows.end()) {
       return std::nullopt;
     }
-    Instance instance;
-    // One allocation, not one per doubling while the names are encoded.
-    instance.suffix.reserve(kMaxSuffixLength);
-    Codec::encode(it->first, instance.suffix);
-    instance.value = Table::read(column, it->first, it->second, mib);
-    return instance;
+    // The suffix goes into the cursor's storage, reserved once.
+    cursor.table = Table::kSubId;
+    cursor.suffix.clear();
+    Codec::encode(it->first, cursor.suffix);
+    kept = it->first;
+    return Table::read(column, it->first, it->second, mib);
   }
 };
 
 struct TableEntry {
   MibTableInfo info;
   std::optional<SnmpValue> (*get)(const QosMib&, std::uint32_t, OidSpan);
-  std::optional<Instance> (*next)(const QosMib&, std::uint32_t, std::optional<OidSpan>);
+  std::optional<SnmpValue> (*next)(const QosMib&, std::uint32_t, std::optional<OidSpan>, MibWalkCursor&);
 };
 
 template <typename Table>
@@ -577,6 +604,14 @@ VarBind MibView::get(OidSpan oid) const {
   return vb;
 }
 
+MibWalkCursor& MibView::cursor() const {
+  if (!cursor_) {
+    cursor_ = std::make_shared<MibWalkCursor>();
+    cursor_->suffix.reserve(kMaxSuffixLength);
+  }
+  return *cursor_;
+}
+
 VarBind MibView::next(OidSpan oid) const {
   // Where the walk starts: the first table, column and row at or after
   // which an instance may follow oid. `after` is the row suffix to pass in
@@ -614,8 +649,8 @@ VarBind MibView::next(OidSpan oid) const {
       }
       // Past the requested column, the walk restarts at each column's first row.
       const std::optional<OidSpan> from = column.subId == columnSubId ? after : std::nullopt;
-      if (auto instance = table.next(mib_, column.subId, from)) {
-        return valueAt(table, column, instance->suffix, std::move(instance->value));
+      if (auto instance = table.next(mib_, column.subId, from, cursor())) {
+        return valueAt(table, column, cursor().suffix, std::move(*instance));
       }
     }
   }

@@ -38,6 +38,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -107,6 +108,8 @@ struct MibTableInfo {
   std::span<const MibColumnInfo> columns;
 };
 
+struct MibWalkCursor;
+
 class MibView {
  public:
   explicit MibView(const QosSnmp::QosMib& mib) noexcept : mib_(mib) {}
@@ -133,7 +136,12 @@ class MibView {
   static std::string render(const VarBind& varBind);
 
  private:
+  MibWalkCursor& cursor() const;
+
   const QosSnmp::QosMib& mib_;
+  // The last instance next() answered: a walk's next GETNEXT asks for
+  // exactly that OID, which then needs no decoding (see MibView.cpp).
+  mutable std::shared_ptr<MibWalkCursor> cursor_;
 };
 
 }  // namespace QosSnmpHost
