@@ -398,17 +398,19 @@ struct EcnQueueCounterTable {
     return mib.ecnQueueCounterTable();
   }
   static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, const QosMib&) {
-    const auto queueCounter =
-        row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    // Looked up only for the columns that read it: a walk reads every column.
+    const auto queueCounter = [&row] {
+      return row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    };
     switch (column) {
       case 3:
         return text(row.intfId.stringValue());
       case 4:
         return counter(
-            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
+            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
       case 5:
         return counter(
-            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
+            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
       case 6: {
         const auto intfStatus =
             row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
