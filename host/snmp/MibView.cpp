@@ -8,6 +8,7 @@
 #include <ostream>
 #include <sstream>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 #include "QosSnmp/core/QosMib.h"
@@ -427,26 +428,39 @@ constexpr std::size_t kMaxSuffixLength = 128;
 
 }  // namespace
 
-// The last instance next() answered in a table: its row suffix and the index
-// that suffix encodes. A GETNEXT for exactly that suffix (the next step of
-// every walk) goes to the upper bound of the kept index instead of decoding
-// the OID; the bound is taken on the index's value, so rows added or removed
-// since then change nothing. Indexes share their names' buffers: keeping one
-// costs no allocation.
+// The last instance next() answered in a table: its row suffix, the row's
+// index and its place in the table. A GETNEXT for exactly that suffix (the
+// next step of every walk) needs no decoding of the OID: it steps to the row
+// after the kept one when no row has been deleted from the table since
+// (rows added meanwhile are found by the step), and otherwise takes the
+// upper bound of the kept index. Indexes share their names' buffers:
+// keeping one costs no allocation.
+template <typename Index, typename Rows>
+struct KeptRow {
+  Index index;
+  typename Rows::const_iterator row;
+  const Rows* rows;
+  std::size_t erasures;
+};
+
 struct MibWalkCursor {
   std::uint32_t table = 0;  // 0: nothing kept
   Oid suffix;
-  std::tuple<std::optional<QosSnmp::ClassMapTableIndex>, std::optional<QosSnmp::ClassMapMatchTableIndex>,
-             std::optional<QosSnmp::PolicyMapTableIndex>, std::optional<QosSnmp::PolicyMapClassTableIndex>,
-             std::optional<QosSnmp::PolicyMapActionTableIndex>, std::optional<QosSnmp::QosStatsTableIndex>,
-             std::optional<QosSnmp::QosPolicerStatsTableIndex>,
-             std::optional<QosSnmp::ServicePolicyTableIndex>, std::optional<Snmp::String>,
-             std::optional<QosSnmp::EcnQueueCounterTableIndex>>
-      indexes;
+  std::tuple<std::optional<KeptRow<QosSnmp::ClassMapTableIndex, QosMib::ClassMapTableRows>>,
+             std::optional<KeptRow<QosSnmp::ClassMapMatchTableIndex, QosMib::ClassMapMatchTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapTableIndex, QosMib::PolicyMapTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapClassTableIndex, QosMib::PolicyMapClassTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapActionTableIndex, QosMib::PolicyMapActionTableRows>>,
+             std::optional<KeptRow<QosSnmp::QosStatsTableIndex, QosMib::QosStatsTableRows>>,
+             std::optional<KeptRow<QosSnmp::QosPolicerStatsTableIndex, QosMib::QosPolicerStatsTableRows>>,
+             std::optional<KeptRow<QosSnmp::ServicePolicyTableIndex, QosMib::ServicePolicyTableRows>>,
+             std::optional<KeptRow<Snmp::String, QosMib::EcnCounterTableRows>>,
+             std::optional<KeptRow<QosSnmp::EcnQueueCounterTableIndex, QosMib::EcnQueueCounterTableRows>>>
+      kept;
 
-  template <typename Table>
-  std::optional<typename Table::Index>& index() {
-    return std::get<std::optional<typename Table::Index>>(indexes);
+  template <typename Index, typename Rows>
+  std::optional<KeptRow<Index, Rows>>& keptIn() {
+    return std::get<std::optional<KeptRow<Index, Rows>>>(kept);
   }
 };
 
@@ -476,9 +490,11 @@ struct TableOps {
                                        MibWalkCursor& cursor) {
     const auto& rows = Table::rows(mib);
     auto it = rows.begin();
-    std::optional<typename Table::Index>& kept = cursor.index<Table>();
+    using Rows = std::remove_cvref_t<decltype(rows)>;
+    auto& kept = cursor.keptIn<typename Table::Index, Rows>();
     if (after && cursor.table == Table::kSubId && kept && std::ranges::equal(*after, cursor.suffix)) {
-      it = rows.upperBound(*kept);
+      it = kept->rows == &rows && kept->erasures == rows.erasures() ? std::next(kept->row)
+                                                                    : rows.upperBound(kept->index);
     } else if (after) {
       const auto seek = Codec::seek(*after);
       if (!seek) {
@@ -497,7 +513,7 @@ struct TableOps {
     cursor.table = Table::kSubId;
     cursor.suffix.clear();
     Codec::encode(it->first, cursor.suffix);
-    kept = it->first;
+    kept = KeptRow<typename Table::Index, Rows>{it->first, it, &rows, rows.erasures()};
     return Table::read(column, it->first, it->second, mib);
   }
 };
