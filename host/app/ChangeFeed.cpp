@@ -17,13 +17,13 @@ constexpr double kProgressEverySeconds = 10.0;
 
 }  // namespace
 
-ChangeFeed::ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, std::ostream& log,
+ChangeFeed::ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, Log log,
                        ChangeFeedOptions options)
     : loop_(loop),
       apply_(std::move(apply)),
       name_(std::move(name)),
       reader_(fd),
-      log_(log),
+      log_(std::move(log)),
       options_(options) {
   watch();
 }
@@ -67,7 +67,7 @@ void ChangeFeed::applyOne() {
   ++applied_;
   Result<Change> change = apply_(next.line, {name_, static_cast<int>(next.number)});
   if (!change) {
-    log_ << change.error().text() << '\n';
+    log_(ChangeFeedLog::warning, change.error().text());
   } else if (change->op == Change::Op::advance) {
     resumeAt_ = loop_.clock()->now() + change->seconds;
   }
@@ -83,18 +83,18 @@ void ChangeFeed::read() {
         pendingBytes_ += line.size();
       },
       [this](std::size_t number, std::size_t bytes) {
-        log_ << overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text()
-             << '\n';
+        log_(ChangeFeedLog::warning,
+             overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text());
       });
   largestBacklog_ = std::max(largestBacklog_, pending_.size());
   largestInEpisode_ = std::max(largestInEpisode_, pending_.size());
   if (reader_.ended()) {
-    log_ << "qos-snmp-agent: " << name_ << ": change stream ended; still serving\n";
+    log_(ChangeFeedLog::notice, name_ + ": change stream ended; still serving");
     close();
   } else if (full()) {
     if (pausesInEpisode_++ == 0) {
-      log_ << "qos-snmp-agent: " << name_ << ": " << pending_.size()
-           << " change lines waiting; reading paused until half of them are applied\n";
+      log_(ChangeFeedLog::notice, name_ + ": " + std::to_string(pending_.size()) +
+                                      " change lines waiting; reading paused until half of them are applied");
     }
     unwatch();
   }
@@ -138,21 +138,22 @@ void ChangeFeed::noteBehind(double sliceStart, std::size_t appliedInSlice, doubl
   }
   if (now - lastProgressLog_ >= kProgressEverySeconds) {
     lastProgressLog_ = now;
-    log_ << "qos-snmp-agent: " << name_ << ": behind for " << std::lround(now - behindSince_)
-         << " s: " << (applied_ - appliedAtEpisodeStart_) << " lines applied, " << pending_.size()
-         << " waiting\n";
+    log_(ChangeFeedLog::notice, name_ + ": behind for " + std::to_string(std::lround(now - behindSince_)) +
+                                    " s: " + std::to_string(applied_ - appliedAtEpisodeStart_) +
+                                    " lines applied, " + std::to_string(pending_.size()) + " waiting");
   }
 }
 
 void ChangeFeed::noteCaughtUp(double now) {
   if (behind_ && (pausesInEpisode_ > 0 || now - behindSince_ >= kSummaryAfterSeconds)) {
-    log_ << "qos-snmp-agent: " << name_ << ": caught up: " << (applied_ - appliedAtEpisodeStart_)
-         << " lines applied in " << std::lround((now - behindSince_) * 1000.0) << " ms, at most "
-         << largestInEpisode_ << " waiting";
+    std::string text = name_ + ": caught up: " + std::to_string(applied_ - appliedAtEpisodeStart_) +
+                       " lines applied in " + std::to_string(std::lround((now - behindSince_) * 1000.0)) +
+                       " ms, at most " + std::to_string(largestInEpisode_) + " waiting";
     if (pausesInEpisode_ > 0) {
-      log_ << ", reading paused " << pausesInEpisode_ << (pausesInEpisode_ == 1 ? " time" : " times");
+      text += ", reading paused " + std::to_string(pausesInEpisode_) +
+              (pausesInEpisode_ == 1 ? " time" : " times");
     }
-    log_ << '\n';
+    log_(ChangeFeedLog::notice, text);
   }
   behind_ = false;
   pausesInEpisode_ = 0;

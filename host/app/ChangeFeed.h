@@ -27,14 +27,14 @@
 //
 //   ChangeFeed feed(loop, [&](std::string_view line, const Source& where) { return host.apply(line, where);
 //   },
-//                   "changes.fifo", fd, std::cerr);
+//                   "changes.fifo", fd, [](ChangeFeedLog, const std::string& text) { std::cerr << text <<
+//                   '\n'; });
 //   while (!stopping) loop.runOnce(feed.applySlice());
 #pragma once
 
 #include <cstddef>
 #include <deque>
 #include <functional>
-#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -44,6 +44,10 @@
 #include "kel/ActivityManager.h"
 
 namespace QosSnmpHost {
+
+// What a message of the feed is about: a line refused (or too long), or the
+// stream's progress (its end, a pause of reading, being behind, catching up).
+enum class ChangeFeedLog { warning, notice };
 
 struct ChangeFeedOptions {
   // Work per slice, in seconds of the loop's clock.
@@ -63,11 +67,14 @@ struct ChangeFeedOptions {
 class ChangeFeed {
  public:
   using Apply = std::function<Result<Change>(std::string_view line, const Source& where)>;
+  // One message, without a newline; the stream's messages start with its
+  // name, a refusal with its file and line.
+  using Log = std::function<void(ChangeFeedLog kind, const std::string& text)>;
 
   // Watches `fd` (non-blocking, owned: closed at the end of the stream or on
   // destruction) on `loop`, which must outlive the feed. `name` is the
   // stream's name in messages.
-  ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, std::ostream& log,
+  ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name, int fd, Log log,
              ChangeFeedOptions options = {});
   ~ChangeFeed();
   ChangeFeed(const ChangeFeed&) = delete;
@@ -115,7 +122,7 @@ class ChangeFeed {
   Apply apply_;
   std::string name_;
   LineReader reader_;
-  std::ostream& log_;
+  Log log_;
   ChangeFeedOptions options_;
   bool watching_ = false;
   bool closed_ = false;

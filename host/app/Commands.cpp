@@ -256,7 +256,11 @@ int runCommand(const CommonOptions& common, const RunOptions& options) {
     feedOptions.requestWaiting = [&loop] { return loop.hookReadable(); };
     feed = std::make_unique<ChangeFeed>(
         loop, [&host](std::string_view line, const Source& where) { return host->apply(line, where); },
-        options.changes == "-" ? "(stdin)" : options.changes, fd, std::cerr, feedOptions);
+        options.changes == "-" ? "(stdin)" : options.changes, fd,
+        [](ChangeFeedLog kind, const std::string& text) {
+          std::cerr << (kind == ChangeFeedLog::notice ? "qos-snmp-agent: " : "") << text << '\n';
+        },
+        feedOptions);
   }
   // The loop sleeps until a descriptor is ready or a timer (the agent's, or
   // net-snmp's) is due; between slices of changes it only polls.

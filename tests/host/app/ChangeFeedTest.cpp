@@ -52,7 +52,11 @@ class ChangeFeedTest : public ::testing::Test {
           }
           return change;
         },
-        "changes.fifo", readEnd_, log_, options);
+        "changes.fifo", readEnd_,
+        [this](ChangeFeedLog kind, const std::string& text) {
+          log_ << (kind == ChangeFeedLog::warning ? "warning: " : "") << text << '\n';
+        },
+        options);
   }
 
   void write(const std::string& text) const {
@@ -196,7 +200,7 @@ TEST_F(ChangeFeedTest, RefusedLineIsLoggedAndTheNextOneFollows) {
   turn();
   EXPECT_EQ(feed_->applySlice(), Kel::Clock::kNever);
   EXPECT_EQ(applied_, (std::vector<std::string>{"line 1", "bad", "line 3"}));
-  EXPECT_EQ(log_.str(), "changes.fifo:2: refused\n");
+  EXPECT_EQ(log_.str(), "warning: changes.fifo:2: refused\n");
 }
 
 TEST_F(ChangeFeedTest, FullBacklogStopsReadingSoThePipeHoldsTheWriterBack) {
@@ -207,7 +211,7 @@ TEST_F(ChangeFeedTest, FullBacklogStopsReadingSoThePipeHoldsTheWriterBack) {
   turn();
   EXPECT_FALSE(feed_->reading());
   EXPECT_EQ(log_.str(),
-            "qos-snmp-agent: changes.fifo: 100 change lines waiting; reading paused until half of them are "
+            "changes.fifo: 100 change lines waiting; reading paused until half of them are "
             "applied\n");
 
   // The writer fills the pipe and is then refused more: it is held back.
@@ -268,7 +272,7 @@ TEST_F(ChangeFeedTest, EndOfStreamClosesTheDescriptorAndAppliesWhatWasRead) {
   while (feed_->applySlice() == 0.0) {
   }
   EXPECT_EQ(applied_, expectedLines(1, 5));
-  EXPECT_EQ(log_.str(), "qos-snmp-agent: changes.fifo: change stream ended; still serving\n");
+  EXPECT_EQ(log_.str(), "changes.fifo: change stream ended; still serving\n");
 }
 
 // Costs are powers of two so that the virtual clock's sums are exact.
@@ -280,8 +284,7 @@ TEST_F(ChangeFeedTest, LongEpisodeBehindIsSummarisedWhenCaughtUp) {
   turn();
   while (feed_->applySlice() == 0.0) {
   }
-  EXPECT_EQ(log_.str(),
-            "qos-snmp-agent: changes.fifo: caught up: 1100 lines applied in 1074 ms, at most 1100 waiting\n");
+  EXPECT_EQ(log_.str(), "changes.fifo: caught up: 1100 lines applied in 1074 ms, at most 1100 waiting\n");
 }
 
 TEST_F(ChangeFeedTest, ShortEpisodeBehindIsNotLogged) {
@@ -300,10 +303,9 @@ TEST_F(ChangeFeedTest, ProgressIsLoggedEveryTenSecondsWhileBehind) {
   turn();
   while (feed_->applySlice() == 0.0) {
   }
-  EXPECT_EQ(
-      log_.str(),
-      "qos-snmp-agent: changes.fifo: behind for 10 s: 1280 lines applied, 620 waiting\n"
-      "qos-snmp-agent: changes.fifo: caught up: 1900 lines applied in 14844 ms, at most 1900 waiting\n");
+  EXPECT_EQ(log_.str(),
+            "changes.fifo: behind for 10 s: 1280 lines applied, 620 waiting\n"
+            "changes.fifo: caught up: 1900 lines applied in 14844 ms, at most 1900 waiting\n");
 }
 
 }  // namespace
