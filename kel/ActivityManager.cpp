@@ -101,6 +101,22 @@ std::size_t ActivityManager::runOnce(double maxWaitSeconds) {
   return served;
 }
 
+bool ActivityManager::hookReadable() {
+  std::vector<pollfd> polled;
+  std::vector<int> fds;
+  for (TurnHook* hook : hooks_) {
+    fds.clear();
+    hook->beforeWait(fds);
+    for (const int fd : fds) {
+      polled.push_back({fd, POLLIN, 0});
+    }
+  }
+  if (polled.empty() || ::poll(polled.data(), polled.size(), 0) <= 0) {
+    return false;
+  }
+  return std::any_of(polled.begin(), polled.end(), isReady);
+}
+
 void ActivityManager::run() {
   stopped_ = false;
   while (!stopped_) {

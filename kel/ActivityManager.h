@@ -60,6 +60,12 @@ class ActivityManager {
   // turn hooks and due timers. Returns the number of descriptors served
   // (readers' and hooks' alike).
   std::size_t runOnce(double maxWaitSeconds);
+  // Whether a descriptor of a turn hook is readable right now (a poll that
+  // does not wait; readers' descriptors are not looked at). Lets a long
+  // piece of work on the loop's thread give way to a waiting request. Calls
+  // the hooks' beforeWait, which must therefore have no effect beyond
+  // declaring.
+  bool hookReadable();
   // Turns until stop() is called (from a callback or a signal handler).
   void run();
   void stop() { stopped_ = true; }

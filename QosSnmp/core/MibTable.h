@@ -11,7 +11,9 @@
 //
 // set() creates the row or replaces the row already under the index; del()
 // of an absent index does nothing. Pointers and references to a row stay
-// valid until that row is replaced or deleted.
+// valid until that row is replaced or deleted; iterators until that row is
+// deleted, which erasures() counts, so that a reader can keep an iterator
+// across changes and know when it may no longer use it.
 //
 //   for (auto it = table.upperBound(requested); it != table.end(); ++it) {
 //     answer(it->first, it->second);
@@ -48,11 +50,23 @@ class MibTable {
 
   void set(const Index& index, Row row) { rows_.insert_or_assign(index, std::move(row)); }
   // True when there was a row to delete.
-  bool del(const Index& index) { return rows_.erase(index) != 0; }
-  void delAll() { rows_.clear(); }
+  bool del(const Index& index) {
+    if (rows_.erase(index) == 0) {
+      return false;
+    }
+    ++erasures_;
+    return true;
+  }
+  void delAll() {
+    erasures_ += rows_.size();
+    rows_.clear();
+  }
+  // Rows deleted since the table was created.
+  std::size_t erasures() const { return erasures_; }
 
  private:
   Map rows_;
+  std::size_t erasures_ = 0;
 };
 
 }  // namespace QosSnmp

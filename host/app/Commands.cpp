@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "host/app/AgentHost.h"
+#include "host/app/ChangeFeed.h"
 #include "host/app/LineReader.h"
 #include "host/app/PluginLoader.h"
 #include "host/app/RunningAgent.h"
@@ -30,6 +31,7 @@
 #include "host/snmp/SnmpFrontEnd.h"
 #include "host/tree/MachineTree.h"
 #include "kel/ActivityManager.h"
+#include "kel/Clock.h"
 #include "kel/RingTrace.h"
 #include "kel/System.h"
 #include "kel/Toggle.h"
@@ -233,81 +235,6 @@ int openChangeStream(const std::string& path) {
   return fd;
 }
 
-// The change stream of run. Lines are applied as they arrive; an advance
-// line holds back the lines after it for that many seconds of the real
-// clock, so that the agent sees the same order of changes and timers as on
-// a virtual clock.
-class ChangeFollower {
- public:
-  ChangeFollower(AgentHost& host, Kel::ActivityManager& loop, std::string name, int fd,
-                 MibAgentStatus& agentStatus)
-      : host_(host), loop_(loop), name_(std::move(name)), reader_(fd), agentStatus_(agentStatus) {
-    loop_.fdReadableIs(fd, [this] { read(); });
-  }
-  ~ChangeFollower() { close(); }
-  ChangeFollower(const ChangeFollower&) = delete;
-  ChangeFollower& operator=(const ChangeFollower&) = delete;
-
-  // Applies the lines that are due; returns how long the next one waits.
-  double applyDue() {
-    while (!pending_.empty()) {
-      const double now = Kel::System::currentTime();
-      if (now < resumeAt_) {
-        return resumeAt_ - now;
-      }
-      const auto [line, number] = std::move(pending_.front());
-      pending_.pop_front();
-      Result<Change> change = host_.apply(line, {name_, static_cast<int>(number)});
-      if (!change) {
-        Logger::warning("changes", change.error().text());
-        agentStatus_.changeRefused();
-        continue;
-      }
-      if (change->op == Change::Op::advance) {
-        resumeAt_ = Kel::System::currentTime() + change->seconds;
-      } else {
-        agentStatus_.changeAppliedIs(MibAgentStatus::Clock::now());
-      }
-    }
-    return 1.0;
-  }
-
- private:
-  void read() {
-    reader_.readAvailable(
-        [this](std::string_view line, std::size_t number) {
-          pending_.emplace_back(std::string(line), number);
-        },
-        [this](std::size_t number, std::size_t bytes) {
-          Logger::warning(
-              "changes",
-              overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text());
-          agentStatus_.changeRefused();
-        });
-    if (reader_.ended()) {
-      Logger::notice("changes", name_ + ": change stream ended; still serving");
-      close();
-    }
-  }
-
-  void close() {
-    if (reader_.fd() >= 0 && !closed_) {
-      loop_.fdDel(reader_.fd());
-      ::close(reader_.fd());
-      closed_ = true;
-    }
-  }
-
-  AgentHost& host_;
-  Kel::ActivityManager& loop_;
-  std::string name_;
-  LineReader reader_;
-  MibAgentStatus& agentStatus_;
-  bool closed_ = false;
-  std::deque<std::pair<std::string, std::size_t>> pending_;
-  double resumeAt_ = 0.0;
-};
-
 }  // namespace
 
 int dumpCommand(const CommonOptions& common, const DumpOptions& options) {
@@ -377,24 +304,47 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
   }
   running.announce();
 
-  std::unique_ptr<ChangeFollower> follower;
+  std::unique_ptr<ChangeFeed> feed;
   if (!options.changes.empty()) {
     const int fd = openChangeStream(options.changes);
     if (fd < 0) {
       return kSetUpFailed;
     }
-    follower = std::make_unique<ChangeFollower>(
-        *host, loop, options.changes == "-" ? "(stdin)" : options.changes, fd, agentStatus);
+    ChangeFeedOptions feedOptions;
+    feedOptions.requestWaiting = [&loop] { return loop.hookReadable(); };
+    // The agent group counts what the stream did: changes applied (a
+    // comment or an advance is none) and lines refused.
+    feed = std::make_unique<ChangeFeed>(
+        loop,
+        [&host, &agentStatus](std::string_view line, const Source& where) {
+          Result<Change> change = host->apply(line, where);
+          if (change && (change->op == Change::Op::set || change->op == Change::Op::del)) {
+            agentStatus.changeAppliedIs(MibAgentStatus::Clock::now());
+          }
+          return change;
+        },
+        options.changes == "-" ? "(stdin)" : options.changes, fd,
+        [&agentStatus](ChangeFeedLog kind, const std::string& text) {
+          if (kind == ChangeFeedLog::refused) {
+            agentStatus.changeRefused();
+            Logger::warning("changes", text);
+          } else {
+            Logger::notice("changes", text);
+          }
+        },
+        feedOptions);
   }
+  // The loop sleeps until a descriptor is ready or a timer (the agent's, or
+  // net-snmp's) is due; between slices of changes it only polls; a reload
+  // runs between two turns.
   while (!stopping && !running.failed()) {
     if (std::exchange(reloadDue, false)) {
       running.reload(reread);
       continue;
     }
-    const double wait = follower ? follower->applyDue() : 1.0;
-    loop.runOnce(std::min(wait, 1.0));
+    loop.runOnce(feed ? feed->applySlice() : Kel::Clock::kNever);
   }
-  follower.reset();
+  feed.reset();
   snmp.stop();
   host->release();
   if (running.failed()) {

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <sstream>
+#include <tuple>
+#include <type_traits>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -590,36 +593,74 @@ struct EcnQueueCounterTable {
     return mib.ecnQueueCounterTable();
   }
   static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
-    const auto queueCounter =
-        row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    // Looked up only for the columns that read it: a walk reads every column.
+    const auto queueCounter = [&row] {
+      return row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    };
     switch (column) {
       case 3:
         return text(row.intfId.stringValue());
       case 4:
         return counter(
-            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
+            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
       case 5:
         return counter(
-            readOr(queueCounter, [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
+            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
       case 6: {
         const auto intfStatus =
             row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
         return enumValue(readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
       }
       case 8:
-        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, queueCounter));
+        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, queueCounter()));
       default:
         return truth(row.ecnQueueCountersFlag);
     }
   }
 };
 
-// One instance found by a walk: the sub-identifiers after the column, and
-// the value.
-struct Instance {
-  Oid suffix;
-  SnmpValue value;
+// Room for any row suffix an OID can carry (128 sub-identifiers at most).
+constexpr std::size_t kMaxSuffixLength = 128;
+
+}  // namespace
+
+// The last instance next() answered in a table: its row suffix, the row's
+// index and its place in the table. A GETNEXT for exactly that suffix (the
+// next step of every walk) needs no decoding of the OID: it steps to the row
+// after the kept one when no row has been deleted from the table since
+// (rows added meanwhile are found by the step), and otherwise takes the
+// upper bound of the kept index. Indexes share their names' buffers:
+// keeping one costs no allocation.
+template <typename Index, typename Rows>
+struct KeptRow {
+  Index index;
+  typename Rows::const_iterator row;
+  const Rows* rows;
+  std::size_t erasures;
 };
+
+struct MibWalkCursor {
+  std::uint32_t table = 0;  // 0: nothing kept
+  Oid suffix;
+  std::tuple<std::optional<KeptRow<QosSnmp::ClassMapTableIndex, QosMib::ClassMapTableRows>>,
+             std::optional<KeptRow<QosSnmp::ClassMapMatchTableIndex, QosMib::ClassMapMatchTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapTableIndex, QosMib::PolicyMapTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapClassTableIndex, QosMib::PolicyMapClassTableRows>>,
+             std::optional<KeptRow<QosSnmp::PolicyMapActionTableIndex, QosMib::PolicyMapActionTableRows>>,
+             std::optional<KeptRow<QosSnmp::QosStatsTableIndex, QosMib::QosStatsTableRows>>,
+             std::optional<KeptRow<QosSnmp::QosPolicerStatsTableIndex, QosMib::QosPolicerStatsTableRows>>,
+             std::optional<KeptRow<QosSnmp::ServicePolicyTableIndex, QosMib::ServicePolicyTableRows>>,
+             std::optional<KeptRow<Snmp::String, QosMib::EcnCounterTableRows>>,
+             std::optional<KeptRow<QosSnmp::EcnQueueCounterTableIndex, QosMib::EcnQueueCounterTableRows>>>
+      kept;
+
+  template <typename Index, typename Rows>
+  std::optional<KeptRow<Index, Rows>>& keptIn() {
+    return std::get<std::optional<KeptRow<Index, Rows>>>(kept);
+  }
+};
+
+namespace {
 
 // The operations of one table, written once for every table.
 template <typename Table>
@@ -638,12 +679,19 @@ struct TableOps {
     return Table::read(column, *index, *row, ctx);
   }
 
-  // The first row whose suffix is strictly greater than `after`, or the
-  // first row of the column when `after` is absent.
-  static std::optional<Instance> next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after) {
+  // The column's value in the first row whose suffix is strictly greater
+  // than `after`, or in the column's first row when `after` is absent; that
+  // row's suffix and index are left in `cursor`.
+  static std::optional<SnmpValue> next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after,
+                                       MibWalkCursor& cursor) {
     const auto& rows = Table::rows(ctx.mib);
     auto it = rows.begin();
-    if (after) {
+    using Rows = std::remove_cvref_t<decltype(rows)>;
+    auto& kept = cursor.keptIn<typename Table::Index, Rows>();
+    if (after && cursor.table == Table::kSubId && kept && std::ranges::equal(*after, cursor.suffix)) {
+      it = kept->rows == &rows && kept->erasures == rows.erasures() ? std::next(kept->row)
+                                                                    : rows.upperBound(kept->index);
+    } else if (after) {
       const auto seek = Codec::seek(*after);
       if (!seek) {
         return std::nullopt;
@@ -657,17 +705,19 @@ struct TableOps {
     if (it == rows.end()) {
       return std::nullopt;
     }
-    Instance instance;
-    Codec::encode(it->first, instance.suffix);
-    instance.value = Table::read(column, it->first, it->second, ctx);
-    return instance;
+    // The suffix goes into the cursor's storage, reserved once.
+    cursor.table = Table::kSubId;
+    cursor.suffix.clear();
+    Codec::encode(it->first, cursor.suffix);
+    kept = KeptRow<typename Table::Index, Rows>{it->first, it, &rows, rows.erasures()};
+    return Table::read(column, it->first, it->second, ctx);
   }
 };
 
 struct TableEntry {
   MibTableInfo info;
   std::optional<SnmpValue> (*get)(Context&, std::uint32_t, OidSpan);
-  std::optional<Instance> (*next)(Context&, std::uint32_t, std::optional<OidSpan>);
+  std::optional<SnmpValue> (*next)(Context&, std::uint32_t, std::optional<OidSpan>, MibWalkCursor&);
 };
 
 template <typename Table>
@@ -755,6 +805,7 @@ bool startsWith(OidSpan oid, OidSpan prefix) {
 
 VarBind valueAt(const TableEntry& table, const MibColumnInfo& column, const Oid& suffix, SnmpValue value) {
   VarBind vb;
+  vb.oid.reserve(kObjectsOid.size() + 3 + suffix.size());
   vb.oid.assign(kObjectsOid.begin(), kObjectsOid.end());
   vb.oid.insert(vb.oid.end(), {table.info.subId, kEntrySubId, column.subId});
   vb.oid.insert(vb.oid.end(), suffix.begin(), suffix.end());
@@ -837,6 +888,14 @@ VarBind MibView::get(OidSpan oid) const {
   return vb;
 }
 
+MibWalkCursor& MibView::cursor() const {
+  if (!cursor_) {
+    cursor_ = std::make_shared<MibWalkCursor>();
+    cursor_->suffix.reserve(kMaxSuffixLength);
+  }
+  return *cursor_;
+}
+
 VarBind MibView::next(OidSpan oid) const {
   // Where the walk starts: the first table, column and row at or after
   // which an instance may follow oid. `after` is the row suffix to pass in
@@ -875,8 +934,8 @@ VarBind MibView::next(OidSpan oid) const {
       }
       // Past the requested column, the walk restarts at each column's first row.
       const std::optional<OidSpan> from = column.subId == columnSubId ? after : std::nullopt;
-      if (auto instance = table.next(ctx, column.subId, from)) {
-        return valueAt(table, column, instance->suffix, std::move(instance->value));
+      if (auto instance = table.next(ctx, column.subId, from, cursor())) {
+        return valueAt(table, column, cursor().suffix, std::move(*instance));
       }
     }
   }

@@ -138,6 +138,8 @@ struct MibScalarInfo {
   SnmpValue::Type type;
 };
 
+struct MibWalkCursor;
+
 class MibView {
  public:
   // `status` may be null (the agent group reads 0); it must outlive the view.
@@ -176,8 +178,13 @@ class MibView {
   struct State;
 
  private:
+  MibWalkCursor& cursor() const;
+
   const QosSnmp::QosMib& mib_;
   std::unique_ptr<State> state_;  // caches, written by const queries
+  // The last instance next() answered: a walk's next GETNEXT asks for
+  // exactly that OID, which then needs no decoding (see MibView.cpp).
+  mutable std::shared_ptr<MibWalkCursor> cursor_;
 };
 
 }  // namespace QosSnmpHost

@@ -113,6 +113,26 @@ TEST(ActivityManagerTest, TurnHookIsToldWhichOfItsDescriptorsAreReady) {
   EXPECT_EQ(loop.turnHooks(), 0U);
 }
 
+TEST(ActivityManagerTest, HookReadableSeesAHookDescriptorWithoutServingIt) {
+  Kel::ActivityManager loop(Kel::Clock::makeVirtual());
+  const Pipe hookPipe;
+  const Pipe readerPipe;
+  RecordingHook hook(hookPipe.readEnd(), std::numeric_limits<double>::infinity());
+  loop.turnHookIs(&hook);
+  loop.fdReadableIs(readerPipe.readEnd(), [] {});
+  readerPipe.write("x");
+  EXPECT_FALSE(loop.hookReadable());  // a reader's descriptor does not count
+  hookPipe.write("x");
+  EXPECT_TRUE(loop.hookReadable());
+  EXPECT_TRUE(hook.readyCounts.empty());
+  loop.turnHookDel(&hook);
+}
+
+TEST(ActivityManagerTest, HookReadableWithoutHooksIsFalse) {
+  Kel::ActivityManager loop(Kel::Clock::makeVirtual());
+  EXPECT_FALSE(loop.hookReadable());
+}
+
 TEST(ActivityManagerTest, TurnHookShortensTheWait) {
   Kel::ActivityManager loop(Kel::Clock::makeVirtual());
   const Pipe pipe;

@@ -83,6 +83,16 @@ TEST_F(QosMibTest, ClassMapRowIsFoundUnderItsIndexAndDeleted) {
   EXPECT_EQ(mib_->rowCount(), 0U);
 }
 
+TEST_F(QosMibTest, TableCountsDeletedRowsButNotAddedOrReplacedOnes) {
+  mib_->classMapTableIs(cmapIndex_, cmap_);
+  mib_->classMapTableIs(cmapIndex_, cmap_);
+  EXPECT_EQ(mib_->classMapTable().erasures(), 0U);
+  mib_->classMapTableDel({"cm-voice", mapControlPlane_});
+  EXPECT_EQ(mib_->classMapTable().erasures(), 0U);
+  mib_->classMapTableDel(cmapIndex_);
+  EXPECT_EQ(mib_->classMapTable().erasures(), 1U);
+}
+
 TEST_F(QosMibTest, ClassMapMatchRowHoldsTheClassMapAndTheRule) {
   const ClassMapMatchTableIndex index("cm-voice", mapQos_, 1);
   mib_->classMapMatchTableIs(index, cmap_, match_);

@@ -539,6 +539,36 @@ TEST_F(MibViewTest, NextOfAnyOidIsTheFirstInstanceAfterIt) {
   }
 }
 
+TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileRowsComeAndGo) {
+  // view_ keeps the instance it answered last and continues from it; a fresh
+  // view decodes every requested OID.
+  VarBind vb = view_.next(Oid{});
+  for (int step = 0; vb.exception == SnmpException::none && step < 100000; ++step) {
+    switch (step) {
+      case 0:  // after the walk's first row (cm1)
+        mib_->classMapTableIs({"cm2", Qos::mapQos_}, cm1_);
+        break;
+      case 1:  // the row just answered
+        mib_->classMapTableDel({"cm2", Qos::mapQos_});
+        break;
+      case 2:  // the row the walk would visit next
+        mib_->classMapTableDel({"copp-system-bgp", Qos::mapControlPlane_});
+        break;
+      case 3:  // a row before the walk's position
+        mib_->classMapTableIs({"cm0", Qos::mapQos_}, cm1_);
+        break;
+      default:
+        break;
+    }
+    const VarBind expected = MibView(*mib_).next(vb.oid);
+    vb = view_.next(vb.oid);
+    ASSERT_EQ(vb.oid, expected.oid) << "step " << step;
+    ASSERT_EQ(vb.exception, expected.exception) << "step " << step;
+    ASSERT_EQ(vb.value, expected.value) << "step " << step;
+  }
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+}
+
 TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
   const Oid last = expectedInstances(*mib_).back();
   EXPECT_EQ(view_.next(last).exception, SnmpException::endOfMibView);
