@@ -12,6 +12,10 @@ namespace QosSnmpHost {
 
 namespace {
 
+// The most one read of the stream takes in; the backlog's bound holds to
+// within this much, however fast a writer refills the pipe.
+constexpr std::size_t kReadBytes = std::size_t{256} << 10U;
+
 constexpr double kSummaryAfterSeconds = 1.0;
 constexpr double kProgressEverySeconds = 10.0;
 
@@ -85,7 +89,8 @@ void ChangeFeed::read() {
       [this](std::size_t number, std::size_t bytes) {
         log_(ChangeFeedLog::refused,
              overlongLineError({name_, static_cast<int>(number)}, bytes, reader_.maxLineBytes()).text());
-      });
+      },
+      kReadBytes);
   largestBacklog_ = std::max(largestBacklog_, pending_.size());
   largestInEpisode_ = std::max(largestInEpisode_, pending_.size());
   if (reader_.ended()) {

@@ -15,8 +15,7 @@
 //   `maxLines` lines or `maxBytes` bytes, the descriptor is no longer
 //   watched, and it is watched again once the backlog has drained to half of
 //   both. A writer is then held back by the pipe; nothing is dropped. One
-//   read (everything the descriptor has at that moment) may carry the
-//   backlog past the bound.
+//   read (at most 256 KiB) may carry the backlog past the bound.
 // - When the stream ends the descriptor is closed; lines already read are
 //   still applied.
 // - Log lines: refusals and overlong lines, the stream's end, the first

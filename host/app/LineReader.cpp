@@ -13,9 +13,9 @@ constexpr std::size_t kKeptCapacity = std::size_t{1} << 16U;
 
 }  // namespace
 
-bool LineReader::readAvailable(const OnLine& onLine, const OnOverlong& onOverlong) {
+bool LineReader::readAvailable(const OnLine& onLine, const OnOverlong& onOverlong, std::size_t maxBytes) {
   std::array<char, 65536> buffer{};
-  while (!ended_) {
+  for (std::size_t read = 0; !ended_ && read < maxBytes;) {
     const ssize_t got = ::read(fd_, buffer.data(), buffer.size());
     if (got < 0) {
       if (errno == EINTR) {
@@ -27,6 +27,7 @@ bool LineReader::readAvailable(const OnLine& onLine, const OnOverlong& onOverlon
       ended_ = true;
       break;
     }
+    read += static_cast<std::size_t>(got);
     take(std::string_view(buffer.data(), static_cast<std::size_t>(got)), onLine, onOverlong);
   }
   if (ended_ && (!pending_.empty() || skipped_ != 0)) {

@@ -32,10 +32,13 @@ class LineReader {
   explicit LineReader(int fd, std::size_t maxLineBytes = InputLimits{}.maxLineBytes)
       : fd_(fd), maxLineBytes_(maxLineBytes) {}
 
-  // Reads what the descriptor has now (everything, for a regular file) and
-  // calls onLine for each complete line, onOverlong for each line over the
-  // limit. Returns false on a read error.
-  bool readAvailable(const OnLine& onLine, const OnOverlong& onOverlong);
+  // Reads what the descriptor has now (everything, for a regular file), or
+  // at most about `maxBytes` of it (the reads stop once that many bytes have
+  // come, so that a writer refilling a pipe cannot keep the caller reading),
+  // and calls onLine for each complete line, onOverlong for each line over
+  // the limit. Returns false on a read error.
+  bool readAvailable(const OnLine& onLine, const OnOverlong& onOverlong,
+                     std::size_t maxBytes = static_cast<std::size_t>(-1));
   bool ended() const { return ended_; }
   int fd() const { return fd_; }
   std::size_t maxLineBytes() const { return maxLineBytes_; }

@@ -124,5 +124,30 @@ TEST_F(LineReaderTest, ANewlineLessStreamIsReadInLinearTime) {
   EXPECT_EQ(read.overlong, overlong);
 }
 
+TEST_F(LineReaderTest, AReadStopsAfterItsByteBudgetAndTheRestWaitsForTheNext) {
+  // 256 KiB of 16-byte lines wait in a pipe made large enough; with a budget
+  // of 16 KiB one call stops after its first read, the next takes the rest.
+  ASSERT_GE(::fcntl(fds_[1], F_SETPIPE_SZ, 1 << 20), 1 << 18);
+  LineReader reader(fds_[0], 100);
+  constexpr std::size_t kLines = 16384;
+  std::string lines;
+  for (std::size_t i = 0; i < kLines; ++i) {
+    lines += "0123456789abcde\n";
+  }
+  write(lines);
+  Read read;
+  ASSERT_TRUE(reader.readAvailable(
+      [&](std::string_view line, std::size_t number) { read.lines.emplace_back(number, std::string(line)); },
+      [&](std::size_t number, std::size_t bytes) { read.overlong.emplace_back(number, bytes); }, 16 * 1024));
+  EXPECT_GT(read.lines.size(), 0U);
+  EXPECT_LT(read.lines.size(), kLines);
+  EXPECT_FALSE(reader.ended());
+  for (int call = 0; call < 8 && read.lines.size() < kLines; ++call) {
+    readInto(reader, read);
+  }
+  ASSERT_EQ(read.lines.size(), kLines);
+  EXPECT_EQ(read.lines.back().first, kLines);
+}
+
 }  // namespace
 }  // namespace QosSnmpHost
