@@ -17,18 +17,8 @@
 set -u
 program=$1
 cd "$(dirname "$0")/../../.." || exit 2
-work=$(mktemp -d)
-agent=
-cleanup() {
-  [ -n "$agent" ] && kill "$agent" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() {
-  echo "run-service.sh: FAIL: $*" >&2
-  [ -f "$work/agent.err" ] && sed 's/^/  agent: /' "$work/agent.err" >&2
-  exit 1
-}
+script=run-service.sh
+. tests/host/agent-script.sh
 export MIBS=
 # The agent's temporary directories go here, to be counted.
 export TMPDIR=$work/tmp

@@ -10,20 +10,10 @@
 set -u
 program=$1
 cd "$(dirname "$0")/../../.." || exit 2
-work=$(mktemp -d)
-agent=
-cleanup() {
-  [ -n "$agent" ] && kill "$agent" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() {
-  echo "run-snmp.sh: FAIL: $*" >&2
-  [ -f "$work/agent.err" ] && sed 's/^/  agent: /' "$work/agent.err" >&2
-  exit 1
-}
+script=run-snmp.sh
+. tests/host/agent-script.sh
 
-port=$(python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+port=$(free_udp_port)
 address=udp:127.0.0.1:$port
 export MIBS=
 snmp="-v2c -c public -t 5 -r 1 -M +:mib:mib/base -m QOS-SNMP-MIB"

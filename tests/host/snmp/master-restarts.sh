@@ -19,24 +19,11 @@ program=$1
 restarts=${2:-50}
 ping=${3:-2}
 cd "$(dirname "$0")/../../.." || exit 2
-work=$(mktemp -d)
-agent=
-snmpd_pid=
-cleanup() {
-  [ -n "$snmpd_pid" ] && { kill -KILL "$snmpd_pid"; wait "$snmpd_pid"; } 2>/dev/null
-  [ -n "$agent" ] && { kill "$agent"; wait "$agent"; } 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() {
-  echo "master-restarts.sh: FAIL: $*" >&2
-  [ -f "$work/agent.err" ] && tail -20 "$work/agent.err" | sed 's/^/  agent: /' >&2
-  [ -f "$work/snmpd.log" ] && tail -20 "$work/snmpd.log" | sed 's/^/  snmpd: /' >&2
-  exit 1
-}
+script=master-restarts.sh
+. tests/host/agent-script.sh
 now() { date +%s.%N; }
 
-port=$(python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+port=$(free_udp_port)
 address=udp:127.0.0.1:$port
 socket=$work/agentx.sock
 mkdir -p "$work/snmpd-state" "$work/client/cert_indexes"

@@ -12,18 +12,8 @@ set -u
 program=$1
 shift
 root="$(cd "$(dirname "$0")/../../.." && pwd)"
-work=$(mktemp -d)
-agent=
-cleanup() {
-  [ -n "$agent" ] && { kill "$agent"; wait "$agent"; } 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
-fail() {
-  echo "walk-order.sh: FAIL: $*" >&2
-  [ -f "$work/agent.err" ] && tail -20 "$work/agent.err" | sed 's/^/  agent: /' >&2
-  exit 1
-}
+script=walk-order.sh
+. "$root/tests/host/agent-script.sh"
 export MIBS= SNMPCONFPATH="$work" SNMP_PERSISTENT_DIR="$work/client"
 mkdir -p "$work/client/cert_indexes"
 snmp="-v2c -c public -t 10 -r 2 -M +:$root/mib:$root/mib/base -m QOS-SNMP-MIB -On"
@@ -34,7 +24,7 @@ ecnCounterTable:9.1.2 ecnQueueCounterTable:10.1.3"
 module=.1.3.6.1.4.1.32473.1
 
 for state in "$@"; do
-  port=$(python3 -c 'import socket; s=socket.socket(socket.AF_INET, socket.SOCK_DGRAM); s.bind(("127.0.0.1", 0)); print(s.getsockname()[1])')
+  port=$(free_udp_port)
   address=udp:127.0.0.1:$port
   "$program" dump --state "$state" >"$work/dump" || fail "$state: dump failed"
   "$program" run --state "$state" --listen "$address" 2>"$work/agent.err" &
