@@ -1,10 +1,15 @@
 // qos-snmp-agent: builds the QoS agent over a switch state, follows its
 // changes, shows the MIB model and serves it over SNMP.
+#include <exception>
+#include <iostream>
+
 #include <CLI/CLI.hpp>
 
 #include "host/app/Commands.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int runProgram(int argc, char** argv) {
   using namespace QosSnmpHost;
 
   CLI::App app{
@@ -80,4 +85,20 @@ int main(int argc, char** argv) {
     return treeCommand(common, tree);
   }
   return runCommand(common, run);
+}
+
+}  // namespace
+
+// An exception that reaches here is a bug, but it still leaves the way a
+// normal exit does: the stack unwinds, so every destructor runs and the
+// program's temporary files go.
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "qos-snmp-agent: internal error: " << error.what() << '\n';
+  } catch (...) {
+    std::cerr << "qos-snmp-agent: internal error: unknown exception\n";
+  }
+  return 1;
 }
