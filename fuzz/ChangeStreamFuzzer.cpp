@@ -30,7 +30,7 @@ namespace {
 }
 
 const std::string& exampleDocument() {
-  static const std::string text = [] {
+  static const std::string kText = [] {
     std::ifstream in(QOS_EXAMPLES_DIR "/leaf-switch.json");
     std::stringstream buffer;
     buffer << in.rdbuf();
@@ -39,7 +39,7 @@ const std::string& exampleDocument() {
     }
     return buffer.str();
   }();
-  return text;
+  return kText;
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ namespace {
 
 // Far below any sane line length cap, so every line of an input this size
 // is delivered whole.
-constexpr std::size_t kMaxInput = 256 * 1024;
+constexpr std::size_t kMaxInput = std::size_t{256} * 1024;
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "LineReaderFuzzer: %s\n", what);
