@@ -42,6 +42,7 @@ void BM_NotificationDispatch(benchmark::State& state) {
   const auto table = Kel::make<Table>("t");
   const auto owner = Kel::make<CounterSm>();
   std::vector<Kel::Ptr<KelTable>> reactors;
+  reactors.reserve(static_cast<std::size_t>(state.range(0)));
   for (int i = 0; i < state.range(0); ++i) {
     reactors.push_back(Kel::makeReactor<KelTable>(owner.get(), table));
   }
@@ -94,6 +95,7 @@ void BM_ReactorAttachDetach(benchmark::State& state) {
   const auto table = Kel::make<Table>("t");
   const auto owner = Kel::make<CounterSm>();
   std::vector<Kel::Ptr<KelTable>> reactors;
+  reactors.reserve(static_cast<std::size_t>(state.range(0)));
   for (int i = 0; i < state.range(0); ++i) {
     reactors.push_back(Kel::makeReactor<KelTable>(owner.get(), table));
   }

@@ -4,6 +4,7 @@
 // Every subcommand and option is registered in CommandLine's constructor,
 // the one place to add an option; the same registration serves the start
 // and every re-read of the configuration (SIGHUP).
+#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -160,9 +161,7 @@ std::optional<int> parse(CommandLine& line, int argc, char** argv, std::string* 
   return std::nullopt;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runProgram(int argc, char** argv) {
   auto line = std::make_unique<CommandLine>();
   if (std::optional<int> status = parse(*line, argc, argv, nullptr)) {
     return *status;
@@ -188,4 +187,20 @@ int main(int argc, char** argv) {
     return true;
   };
   return runCommand(line->common, line->run, reread);
+}
+
+}  // namespace
+
+// An exception that reaches here is a bug, but it still leaves the way a
+// normal exit does: the stack unwinds, so every destructor runs and the
+// program's temporary files go.
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "qos-snmp-agent: internal error: " << error.what() << '\n';
+  } catch (...) {
+    std::cerr << "qos-snmp-agent: internal error: unknown exception\n";
+  }
+  return 1;
 }

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -90,11 +91,21 @@ std::unique_ptr<File> File::create(const std::string& path, U64 capacity, TimeSo
   // and the crash's trace is what someone will want to read. Moving it
   // also leaves anyone who still maps it undisturbed. When it cannot be
   // moved, O_TRUNC reuses it.
+  // A trace holds the names and keys of the switch's configuration: both
+  // rings are readable by their owner only, whatever the umask or the mode
+  // a file left by an older run had.
   const std::string previous = path + kPreviousSuffix;
-  std::rename(path.c_str(), previous.c_str());
-  const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (std::rename(path.c_str(), previous.c_str()) == 0) {
+    ::chmod(previous.c_str(), S_IRUSR | S_IWUSR);
+  }
+  const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
   if (fd < 0) {
     throw Error(path + ": cannot create: " + errorText(errno));
+  }
+  if (::fchmod(fd, S_IRUSR | S_IWUSR) != 0) {
+    const int error = errno;
+    ::close(fd);
+    throw Error(path + ": cannot make owner-only: " + errorText(error));
   }
   if (const int error = ::posix_fallocate(fd, 0, static_cast<off_t>(fileBytes)); error != 0) {
     ::close(fd);

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
@@ -10,6 +11,9 @@
 namespace QosSnmpHost {
 
 namespace {
+
+// The signals the loop takes over: SIGINT and SIGTERM stop, SIGHUP re-reads.
+constexpr std::array kStopSignals = {SIGINT, SIGTERM, SIGHUP};
 
 int writeFd = -1;
 
@@ -34,9 +38,9 @@ SignalStopper::SignalStopper(Kel::ActivityManager& loop, std::function<void(int)
   action.sa_handler = onSignal;
   sigemptyset(&action.sa_mask);
   action.sa_flags = SA_RESTART;
-  ::sigaction(SIGINT, &action, nullptr);
-  ::sigaction(SIGTERM, &action, nullptr);
-  ::sigaction(SIGHUP, &action, nullptr);
+  for (const int signal : kStopSignals) {
+    ::sigaction(signal, &action, nullptr);
+  }
   loop_.fdReadableIs(readFd_, [this, onSignalRead = std::move(onSignalRead)] {
     unsigned char byte = 0;
     while (::read(readFd_, &byte, 1) == 1) {
@@ -46,9 +50,9 @@ SignalStopper::SignalStopper(Kel::ActivityManager& loop, std::function<void(int)
 }
 
 SignalStopper::~SignalStopper() {
-  ::signal(SIGINT, SIG_DFL);
-  ::signal(SIGTERM, SIG_DFL);
-  ::signal(SIGHUP, SIG_DFL);
+  for (const int signal : kStopSignals) {
+    ::signal(signal, SIG_DFL);
+  }
   loop_.fdDel(readFd_);
   ::close(readFd_);
   ::close(writeFd);

@@ -96,52 +96,76 @@ struct TestSwitch {
   }
 };
 
+namespace detail {
+
+// A row's entity by name, "-" for none.
+inline std::string rowEntityName(const auto& entity) {
+  return entity ? entity->name().stringValue() : std::string("-");
+}
+
+inline std::string classMapMatchRowText(const auto& row) {
+  std::ostringstream match;
+  match << rowEntityName(row.classMapStatus) << ' ';
+  if (row.classMapMatch) {
+    match << row.classMapMatch->option();
+  } else {
+    match << '-';
+  }
+  return match.str();
+}
+
+inline std::string policyMapActionRowText(const auto& row) {
+  std::ostringstream action;
+  action << rowEntityName(row.classAction) << ' ';
+  if (row.action) {
+    action << row.action->actionType();
+  } else {
+    action << '-';
+  }
+  action << ' ' << rowEntityName(row.classMapHwStatus) << ' ' << (row.hwStatus ? "hw" : "-") << ' '
+         << rowEntityName(row.sliceHwStatus);
+  return action.str();
+}
+
+inline std::string ecnQueueCounterRowText(const auto& row) {
+  std::ostringstream queue;
+  queue << row.intfId << ' ' << rowEntityName(row.sliceHwStatus) << ' '
+        << (row.ecnCounterTable ? "table" : "-") << ' ' << row.ecnQueueCountersFlag;
+  return queue.str();
+}
+
+}  // namespace detail
+
 // Every row of the MIB model, table by table in index order, as
 // "<table> <index> <row>" texts; then the two maps.
 inline std::vector<std::string> mibRows(const QosSnmp::QosMib& mib) {
+  using detail::rowEntityName;
   std::vector<std::string> rows;
   auto add = [&rows](const std::string& table, const auto& index, const std::string& row) {
     std::ostringstream out;
     out << table << ' ' << index << ' ' << row;
     rows.push_back(out.str());
   };
-  auto nameOf = [](const auto& entity) { return entity ? entity->name().stringValue() : std::string("-"); };
   for (const auto& [index, row] : mib.classMapTable()) {
-    add("classMapTable", index, nameOf(row.classMapStatus));
+    add("classMapTable", index, rowEntityName(row.classMapStatus));
   }
   for (const auto& [index, row] : mib.classMapMatchTable()) {
-    std::ostringstream match;
-    match << nameOf(row.classMapStatus) << ' ';
-    if (row.classMapMatch) {
-      match << row.classMapMatch->option();
-    } else {
-      match << '-';
-    }
-    add("classMapMatchTable", index, match.str());
+    add("classMapMatchTable", index, detail::classMapMatchRowText(row));
   }
   for (const auto& [index, row] : mib.policyMapTable()) {
-    add("policyMapTable", index, nameOf(row.policyMapStatus));
+    add("policyMapTable", index, rowEntityName(row.policyMapStatus));
   }
   for (const auto& [index, row] : mib.policyMapClassTable()) {
-    add("policyMapClassTable", index, nameOf(row.policyMapStatus) + ' ' + row.cmapName.stringValue());
+    add("policyMapClassTable", index, rowEntityName(row.policyMapStatus) + ' ' + row.cmapName.stringValue());
   }
   for (const auto& [index, row] : mib.policyMapActionTable()) {
-    std::ostringstream action;
-    action << nameOf(row.classAction) << ' ';
-    if (row.action) {
-      action << row.action->actionType();
-    } else {
-      action << '-';
-    }
-    action << ' ' << nameOf(row.classMapHwStatus) << ' ' << (row.hwStatus ? "hw" : "-") << ' '
-           << nameOf(row.sliceHwStatus);
-    add("policyMapActionTable", index, action.str());
+    add("policyMapActionTable", index, detail::policyMapActionRowText(row));
   }
   for (const auto& [index, row] : mib.qosStatsTable()) {
-    add("qosStatsTable", index, nameOf(row.classMapHwStatus) + ' ' + nameOf(row.counter));
+    add("qosStatsTable", index, rowEntityName(row.classMapHwStatus) + ' ' + rowEntityName(row.counter));
   }
   for (const auto& [index, row] : mib.qosPolicerStatsTable()) {
-    add("qosPolicerStatsTable", index, nameOf(row.policerHwStatus));
+    add("qosPolicerStatsTable", index, rowEntityName(row.policerHwStatus));
   }
   for (const auto& [index, row] : mib.servicePolicyTable()) {
     std::ostringstream key;
@@ -149,17 +173,14 @@ inline std::vector<std::string> mibRows(const QosSnmp::QosMib& mib) {
     add("servicePolicyTable", index, key.str());
   }
   for (const auto& [chip, row] : mib.ecnCounterTable()) {
-    add("ecnCounterTable", chip, nameOf(row.chipCounter) + ' ' + std::to_string(row.flags));
+    add("ecnCounterTable", chip, rowEntityName(row.chipCounter) + ' ' + std::to_string(row.flags));
   }
   for (const auto& [index, row] : mib.ecnQueueCounterTable()) {
-    std::ostringstream queue;
-    queue << row.intfId << ' ' << nameOf(row.sliceHwStatus) << ' ' << (row.ecnCounterTable ? "table" : "-")
-          << ' ' << row.ecnQueueCountersFlag;
-    add("ecnQueueCounterTable", index, queue.str());
+    add("ecnQueueCounterTable", index, detail::ecnQueueCounterRowText(row));
   }
   for (const auto& [type, cmap] : mib.cmapByStaticType()) {
     std::ostringstream entry;
-    entry << "cmapByStaticType " << type << ' ' << nameOf(cmap);
+    entry << "cmapByStaticType " << type << ' ' << rowEntityName(cmap);
     rows.push_back(entry.str());
   }
   for (const auto& [intf, ifIndex] : mib.intfIdToifIndex()) {

@@ -1,5 +1,7 @@
 #include "kel/RingTrace.h"
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -481,6 +483,31 @@ TEST_F(RingTraceTest, CreatingAFileKeepsThePreviousRingBesideIt) {
   const RingTrace::Reader current = read();
   ASSERT_EQ(current.entries().size(), 1U);
   EXPECT_EQ(current.entries()[0].arguments, (std::vector<Value>{S64{2}}));
+}
+
+// The permission bits of `path`.
+mode_t permissionsOf(const std::string& path) {
+  struct stat info {};
+  EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
+  return info.st_mode & 0777;
+}
+
+TEST_F(RingTraceTest, CreatedFileIsOwnerOnlyWhateverTheUmask) {
+  const mode_t saved = ::umask(0);
+  const std::unique_ptr<RingTrace::File> file = RingTrace::File::create(pathOf("agent.ring"));
+  ::umask(saved);
+  EXPECT_EQ(permissionsOf(pathOf("agent.ring")), 0600U);
+}
+
+TEST_F(RingTraceTest, WorldReadableFileOfAnOlderRunBecomesAnOwnerOnlyPreviousRing) {
+  const std::string path = pathOf("agent.ring");
+  std::ofstream(path) << "an older ring";
+  ASSERT_EQ(::chmod(path.c_str(), 0644), 0);
+
+  const std::unique_ptr<RingTrace::File> file = RingTrace::File::create(path);
+
+  EXPECT_EQ(permissionsOf(path), 0600U);
+  EXPECT_EQ(permissionsOf(path + RingTrace::File::kPreviousSuffix), 0600U);
 }
 
 TEST_F(RingTraceTest, CreatingAFileThatCannotBeMadeThrows) {

@@ -86,6 +86,7 @@ class MibTimeline : public Kel::TraceSink {
 
   std::vector<std::string> lines() const {
     std::vector<std::string> texts;
+    texts.reserve(moments_.size());
     for (const Moment& moment : moments_) {
       texts.push_back(moment.line);
     }

@@ -1,10 +1,12 @@
 #include "host/tree/MachineTree.h"
 
 #include <map>
-#include <regex>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -140,17 +142,92 @@ struct DotShape {
   std::size_t edges = 0;
 };
 
+// Small matchers over the rest of a line: each consumes what it matches
+// from the front of `rest` and says whether it matched.
+bool consumeLiteral(std::string_view& rest, std::string_view literal) {
+  if (!rest.starts_with(literal)) {
+    return false;
+  }
+  rest.remove_prefix(literal.size());
+  return true;
+}
+
+// One or more decimal digits; nullopt when there is none.
+std::optional<std::string> consumeNumber(std::string_view& rest) {
+  std::size_t digits = 0;
+  while (digits < rest.size() && rest[digits] >= '0' && rest[digits] <= '9') {
+    ++digits;
+  }
+  if (digits == 0) {
+    return std::nullopt;
+  }
+  std::string number(rest.substr(0, digits));
+  rest.remove_prefix(digits);
+  return number;
+}
+
 // A quoted dot string: escaped characters and no bare quote or line break.
-const std::string kQuoted = R"re("(?:[^"\\\n]|\\.)*")re";
+bool consumeQuoted(std::string_view& rest) {
+  if (!consumeLiteral(rest, "\"")) {
+    return false;
+  }
+  for (std::size_t i = 0; i < rest.size(); ++i) {
+    if (rest[i] == '\n') {
+      return false;
+    }
+    if (rest[i] == '\\') {
+      if (++i == rest.size() || rest[i] == '\n') {
+        return false;
+      }
+    } else if (rest[i] == '"') {
+      rest.remove_prefix(i + 1);
+      return true;
+    }
+  }
+  return false;
+}
+
+// `  label="...";`
+bool isLabelLine(std::string_view rest) {
+  return consumeLiteral(rest, "  label=") && consumeQuoted(rest) && rest == ";";
+}
+
+// `  n<id> [label="..."];` or `  n<id> [label="...", style=dashed];`: the id.
+std::optional<std::string> nodeId(std::string_view rest) {
+  if (!consumeLiteral(rest, "  n")) {
+    return std::nullopt;
+  }
+  std::optional<std::string> id = consumeNumber(rest);
+  if (!id || !consumeLiteral(rest, " [label=") || !consumeQuoted(rest)) {
+    return std::nullopt;
+  }
+  consumeLiteral(rest, ", style=dashed");
+  return rest == "];" ? id : std::nullopt;
+}
+
+// `  n<from> -> n<to>;`: the two ids.
+std::optional<std::pair<std::string, std::string>> edgeIds(std::string_view rest) {
+  if (!consumeLiteral(rest, "  n")) {
+    return std::nullopt;
+  }
+  std::optional<std::string> from = consumeNumber(rest);
+  if (!from || !consumeLiteral(rest, " -> n")) {
+    return std::nullopt;
+  }
+  std::optional<std::string> to = consumeNumber(rest);
+  if (!to || rest != ";") {
+    return std::nullopt;
+  }
+  return std::pair{*from, *to};
+}
 
 // The three lines before the nodes: the graph, its totals, the node style.
 void checkDotHeader(std::istream& in) {
-  static const std::regex kLabel("  label=" + kQuoted + ";");
   std::string line;
   std::getline(in, line);
   EXPECT_EQ(line, "digraph machines {");
   std::getline(in, line);
-  EXPECT_TRUE(std::regex_match(line, kLabel)) << line;
+  EXPECT_TRUE(isLabelLine(line)) << line;
   std::getline(in, line);
   EXPECT_EQ(line, "  node [shape=box];");
 }
@@ -159,20 +236,17 @@ void checkDotHeader(std::istream& in) {
 // label or an edge between two nodes defined before it, and the graph closes
 // on the last line; returns the number of nodes and edges.
 DotShape checkDot(const std::string& dot) {
-  static const std::regex kNode("  n([0-9]+) \\[label=" + kQuoted + "(?:, style=dashed)?\\];");
-  static const std::regex kEdge("  n([0-9]+) -> n([0-9]+);");
   std::istringstream in(dot);
   checkDotHeader(in);
   DotShape shape;
   std::set<std::string> defined;
   std::string line;
   while (std::getline(in, line) && line != "}") {
-    std::smatch match;
-    if (std::regex_match(line, match, kNode)) {
-      EXPECT_TRUE(defined.insert(match[1]).second) << line;
+    if (const std::optional<std::string> node = nodeId(line)) {
+      EXPECT_TRUE(defined.insert(*node).second) << line;
       ++shape.nodes;
-    } else if (std::regex_match(line, match, kEdge)) {
-      EXPECT_TRUE(defined.contains(match[1]) && defined.contains(match[2])) << line;
+    } else if (const auto edge = edgeIds(line)) {
+      EXPECT_TRUE(defined.contains(edge->first) && defined.contains(edge->second)) << line;
       ++shape.edges;
     } else {
       ADD_FAILURE() << "not a node or an edge: " << line;
