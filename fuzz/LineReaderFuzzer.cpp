@@ -1,14 +1,16 @@
 // Fuzzes the change stream's line reader: LineReader over a non-blocking
 // pipe, fed in chunks whose sizes the input chooses, with a read after each
-// chunk and one after the writer closes.
+// chunk and one after the writer closes, under a line length cap the input
+// chooses too.
 //
 // Input layout: the first byte is the chunk size in units of 64 bytes (0
-// means "everything at once"); the rest is the stream.
+// means "everything at once"); the second is the cap in units of 8 bytes (0
+// means the default cap, which no input reaches); the rest is the stream.
 //
-// Checked: no delivered line holds a '\n'; lines are numbered 1, 2, 3, ...;
-// the stream ends; and, as no line of a fuzz input comes near the reader's
-// line length cap, the lines joined with '\n' are the stream itself
-// (without the last newline, when it ends with one).
+// Checked against the stream cut at its newlines: each line within the cap
+// is delivered whole and holds no '\n'; each longer line is reported as
+// overlong with its exact length and never delivered; lines are numbered
+// 1, 2, 3, ... in stream order across both kinds; the stream ends.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -19,14 +21,14 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/app/LineReader.h"
 
 namespace {
 
-// Far below any sane line length cap, so every line of an input this size
-// is delivered whole.
-constexpr std::size_t kMaxInput = std::size_t{256} * 1024;
+// Bounds the work of one input.
+constexpr std::size_t kMaxInput = 256 * 1024;
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "LineReaderFuzzer: %s\n", what);
@@ -65,24 +67,42 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size == 0 || size > kMaxInput) {
     return 0;
   }
+  if (size < 2) {
+    return 0;
+  }
   const std::size_t chunk = data[0] == 0 ? size : std::size_t{data[0]} * 64;
-  const std::string_view stream(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const std::size_t cap = data[1] == 0 ? QosSnmpHost::InputLimits{}.maxLineBytes : std::size_t{data[1]} * 8;
+  const std::string_view stream(reinterpret_cast<const char*>(data) + 2, size - 2);
 
   Pipe pipe;
-  QosSnmpHost::LineReader reader(pipe.readFd);
-  std::string joined;
+  QosSnmpHost::LineReader reader(pipe.readFd, cap);
+  // What the reader reported, line by line: the text, or the length of an
+  // overlong line.
+  std::vector<std::string> delivered;
+  std::vector<std::size_t> overlong;
   std::size_t lines = 0;
   const auto onLine = [&](std::string_view line, std::size_t number) {
     if (line.find('\n') != std::string_view::npos) {
       fail("a line holds a newline");
     }
+    if (line.size() > cap) {
+      fail("a line over the cap is delivered");
+    }
     if (number != ++lines) {
       fail("lines are not numbered 1, 2, 3, ...");
     }
-    if (lines > 1) {
-      joined += '\n';
+    delivered.emplace_back(line);
+    overlong.push_back(0);
+  };
+  const auto onOverlong = [&](std::size_t number, std::size_t bytes) {
+    if (number != ++lines) {
+      fail("lines are not numbered 1, 2, 3, ...");
     }
-    joined.append(line);
+    if (bytes <= cap) {
+      fail("a line within the cap is reported overlong");
+    }
+    delivered.emplace_back();
+    overlong.push_back(bytes);
   };
 
   std::size_t offset = 0;
@@ -92,7 +112,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (wrote > 0) {
       offset += static_cast<std::size_t>(wrote);
     }
-    if (!reader.readAvailable(onLine)) {
+    if (!reader.readAvailable(onLine, onOverlong)) {
       fail("read error on a pipe");
     }
     if (reader.ended()) {
@@ -100,16 +120,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   pipe.closeWriter();
-  if (!reader.readAvailable(onLine) || !reader.ended()) {
+  if (!reader.readAvailable(onLine, onOverlong) || !reader.ended()) {
     fail("the stream does not end when the writer closes");
   }
 
-  std::string_view expected = stream;
-  if (!expected.empty() && expected.back() == '\n') {
-    expected.remove_suffix(1);
+  // The stream's own lines; a last line without a newline counts, an empty
+  // remainder after the last newline does not.
+  std::vector<std::string_view> expected;
+  for (std::size_t start = 0; start < stream.size();) {
+    const std::size_t end = std::min(stream.find('\n', start), stream.size());
+    expected.push_back(stream.substr(start, end - start));
+    start = end + 1;
   }
-  if (joined != expected) {
-    fail("the lines joined are not the stream");
+  if (expected.size() != delivered.size()) {
+    fail("not every line was reported once");
+  }
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    if (expected[i].size() > cap ? overlong[i] != expected[i].size() : delivered[i] != expected[i]) {
+      fail("a line was not reported as the stream has it");
+    }
   }
   return 0;
 }
