@@ -35,7 +35,8 @@ using QosSnmpBench::SwitchParams;
 // An agent over one preset's generated switch, and the change stream of
 // one kind that runs over it.
 struct Switch {
-  Switch(const std::string& preset, ChurnStream::Kind kind) : layout(*SwitchParams::preset(preset)) {
+  // REQUIRES: `preset` is one of SwitchParams::presetNames().
+  Switch(const std::string& preset, ChurnStream::Kind kind) : layout(SwitchParams::preset(preset).value()) {
     std::string error;
     QosSnmp::RootSmFactory* factory =
         QosSnmpHost::PluginLoader::load(QosSnmpHost::PluginLoader::defaultPath(), error);
@@ -101,11 +102,14 @@ void BM_ApplyChange(benchmark::State& state, const std::string& preset, ChurnStr
   state.SetItemsProcessed(state.iterations());
 }
 
-const bool registered = [] {
+const bool kRegistered = [] {
   for (const std::string& preset : SwitchParams::presetNames()) {
     for (const auto& [kind, name] : ChurnStream::kinds()) {
-      benchmark::RegisterBenchmark(("BM_ApplyChange/" + preset + "/" + name).c_str(), BM_ApplyChange, preset,
-                                   kind)
+      std::string benchmarkName = "BM_ApplyChange/";
+      benchmarkName += preset;
+      benchmarkName += '/';
+      benchmarkName += name;
+      benchmark::RegisterBenchmark(benchmarkName.c_str(), BM_ApplyChange, preset, kind)
           ->Unit(benchmark::kMicrosecond);
     }
   }

@@ -56,7 +56,7 @@ std::string lower(std::string text) {
 
 }  // namespace
 
-SwitchLayout::SwitchLayout(SwitchParams params) : params_(std::move(params)), applied_(params_.policyMaps) {
+SwitchLayout::SwitchLayout(SwitchParams params) : params_(params), applied_(params_.policyMaps) {
   assert(!params_.invalid());
   for (std::uint32_t intf = 0; intf < interfaceCount(); ++intf) {
     applied_[inputPolicyMapOf(intf)].push_back(intf);

@@ -28,7 +28,7 @@ ChangeFeed::ChangeFeed(Kel::ActivityManager& loop, Apply apply, std::string name
       name_(std::move(name)),
       reader_(fd),
       log_(std::move(log)),
-      options_(options) {
+      options_(std::move(options)) {
   watch();
 }
 

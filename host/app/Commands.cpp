@@ -200,7 +200,8 @@ int offlineCommand(const CommonOptions& common, const std::string& stateFile, co
     return status;
   }
   if (!changes.empty()) {
-    if ((status = applyChangeFile(*host, changes, time)) != kOk) {
+    status = applyChangeFile(*host, changes, time);
+    if (status != kOk) {
       return status;
     }
   }
@@ -233,6 +234,35 @@ int openChangeStream(const std::string& path) {
   }
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) | O_NONBLOCK);
   return fd;
+}
+
+// The change feed of run over `fd`: applies the stream to `host` in slices
+// between SNMP requests, logs refusals and progress, and counts what the
+// stream did in the agent group: changes applied (a comment or an advance
+// is none) and lines refused.
+std::unique_ptr<ChangeFeed> followChanges(AgentHost& host, Kel::ActivityManager& loop,
+                                          const std::string& name, int fd, MibAgentStatus& agentStatus) {
+  ChangeFeedOptions feedOptions;
+  feedOptions.requestWaiting = [&loop] { return loop.hookReadable(); };
+  return std::make_unique<ChangeFeed>(
+      loop,
+      [&host, &agentStatus](std::string_view line, const Source& where) {
+        Result<Change> change = host.apply(line, where);
+        if (change && (change->op == Change::Op::set || change->op == Change::Op::del)) {
+          agentStatus.changeAppliedIs(MibAgentStatus::Clock::now());
+        }
+        return change;
+      },
+      name, fd,
+      [&agentStatus](ChangeFeedLog kind, const std::string& text) {
+        if (kind == ChangeFeedLog::refused) {
+          agentStatus.changeRefused();
+          Logger::warning("changes", text);
+        } else {
+          Logger::notice("changes", text);
+        }
+      },
+      feedOptions);
 }
 
 }  // namespace
@@ -310,29 +340,7 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
     if (fd < 0) {
       return kSetUpFailed;
     }
-    ChangeFeedOptions feedOptions;
-    feedOptions.requestWaiting = [&loop] { return loop.hookReadable(); };
-    // The agent group counts what the stream did: changes applied (a
-    // comment or an advance is none) and lines refused.
-    feed = std::make_unique<ChangeFeed>(
-        loop,
-        [&host, &agentStatus](std::string_view line, const Source& where) {
-          Result<Change> change = host->apply(line, where);
-          if (change && (change->op == Change::Op::set || change->op == Change::Op::del)) {
-            agentStatus.changeAppliedIs(MibAgentStatus::Clock::now());
-          }
-          return change;
-        },
-        options.changes == "-" ? "(stdin)" : options.changes, fd,
-        [&agentStatus](ChangeFeedLog kind, const std::string& text) {
-          if (kind == ChangeFeedLog::refused) {
-            agentStatus.changeRefused();
-            Logger::warning("changes", text);
-          } else {
-            Logger::notice("changes", text);
-          }
-        },
-        feedOptions);
+    feed = followChanges(*host, loop, options.changes == "-" ? "(stdin)" : options.changes, fd, agentStatus);
   }
   // The loop sleeps until a descriptor is ready or a timer (the agent's, or
   // net-snmp's) is due; between slices of changes it only polls; a reload

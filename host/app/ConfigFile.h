@@ -33,7 +33,7 @@ namespace QosSnmpHost {
 class ConfigFile : public CLI::ConfigBase {
  public:
   static constexpr const char* kDefaultPath = "/etc/qos-snmp-agent/qos-snmp-agent.conf";
-  static constexpr std::size_t kMaxBytes = 64 * 1024;
+  static constexpr std::size_t kMaxBytes = std::size_t{64} * 1024;
 
   // `program` (the top-level app) and `configOption` (its option naming the
   // file) must outlive this reader.

@@ -13,7 +13,7 @@
 // - maxAdvanceSeconds: one "advance" line; a longer pause is written as
 //   several lines, so that the work of the timers it fires stays
 //   proportional to the input;
-// - maxShownBytes, maxPathBytes, maxMessageBytes: how much of the input an
+// - kMaxShownBytes, kMaxPathBytes, kMaxMessageBytes: how much of the input an
 //   error message quotes (a value, a path, the whole message).
 #pragma once
 
@@ -26,9 +26,9 @@ struct InputLimits {
   std::size_t maxLineBytes = std::size_t{4} << 20U;
   double maxAdvanceSeconds = 86400.0;
 
-  static constexpr std::size_t maxShownBytes = 60;
-  static constexpr std::size_t maxPathBytes = 256;
-  static constexpr std::size_t maxMessageBytes = 1024;
+  static constexpr std::size_t kMaxShownBytes = 60;
+  static constexpr std::size_t kMaxPathBytes = 256;
+  static constexpr std::size_t kMaxMessageBytes = 1024;
 };
 
 }  // namespace QosSnmpHost

@@ -54,14 +54,15 @@ class Result {
   bool ok() const { return value_.has_value(); }
   explicit operator bool() const { return ok(); }
 
-  // REQUIRES: ok().
-  T& value() { return *value_; }
-  const T& value() const { return *value_; }
-  T* operator->() { return &*value_; }
-  const T* operator->() const { return &*value_; }
+  // REQUIRES: ok(). The optional's own check (std::bad_optional_access)
+  // stands for the assertion, hence the NOLINTs.
+  T& value() { return value_.value(); }                    // NOLINT(bugprone-unchecked-optional-access)
+  const T& value() const { return value_.value(); }        // NOLINT(bugprone-unchecked-optional-access)
+  T* operator->() { return &value_.value(); }              // NOLINT(bugprone-unchecked-optional-access)
+  const T* operator->() const { return &value_.value(); }  // NOLINT(bugprone-unchecked-optional-access)
 
-  // REQUIRES: !ok().
-  const LoadError& error() const { return *error_; }
+  // REQUIRES: !ok(), checked likewise.
+  const LoadError& error() const { return error_.value(); }  // NOLINT(bugprone-unchecked-optional-access)
 
  private:
   std::optional<T> value_;

@@ -6,7 +6,7 @@
 // bytes of output (never inside an escape or a character), with "..."
 // appended when anything was cut. Valid UTF-8 passes unchanged.
 //
-//   std::cerr << PrintableText::of(error.message, InputLimits::maxMessageBytes) << '\n';
+//   std::cerr << PrintableText::of(error.message, InputLimits::kMaxMessageBytes) << '\n';
 #pragma once
 
 #include <cstddef>

@@ -57,8 +57,8 @@ std::string shown(const Json& value) {
   // The value's depth is bounded where it was parsed; strings are valid
   // UTF-8 there too, but a replacement beats an exception here.
   std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
-  if (text.size() > InputLimits::maxShownBytes) {
-    text = text.substr(0, InputLimits::maxShownBytes) + "...";
+  if (text.size() > InputLimits::kMaxShownBytes) {
+    text = text.substr(0, InputLimits::kMaxShownBytes) + "...";
   }
   return text;
 }

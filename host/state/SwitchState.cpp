@@ -57,16 +57,17 @@ void checkFields(const Json& line, std::initializer_list<const char*> allowed) {
 }  // namespace
 
 std::string LoadError::text() const {
-  std::string out = PrintableText::of(file, InputLimits::maxPathBytes);
+  std::string out = PrintableText::of(file, InputLimits::kMaxPathBytes);
   if (line > 0) {
     out += ':' + std::to_string(line);
   }
   out += ": ";
   if (path) {
-    out += (path->empty() ? std::string("(document)") : PrintableText::of(*path, InputLimits::maxPathBytes)) +
-           ": ";
+    out +=
+        (path->empty() ? std::string("(document)") : PrintableText::of(*path, InputLimits::kMaxPathBytes)) +
+        ": ";
   }
-  return out + PrintableText::of(message, InputLimits::maxMessageBytes);
+  return out + PrintableText::of(message, InputLimits::kMaxMessageBytes);
 }
 
 class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json moves do not throw
