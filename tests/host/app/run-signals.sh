@@ -20,12 +20,7 @@ for signal in TERM INT HUP; do
   TMPDIR="$work/tmp" "$program" run --state examples/leaf-switch.json --listen "udp:127.0.0.1:$port" \
     --ring-trace "$work/agent.ring" 2>"$work/agent.err" &
   agent=$!
-  for _ in $(seq 100); do
-    grep -q 'serving the QoS MIB' "$work/agent.err" 2>/dev/null && break
-    kill -0 "$agent" 2>/dev/null || fail "SIG$signal: the agent exited at start"
-    sleep 0.1
-  done
-  grep -q 'serving the QoS MIB' "$work/agent.err" || fail "SIG$signal: the agent does not serve"
+  wait_serving "SIG$signal: the agent"
 
   mode=$(stat -c %a "$work/agent.ring")
   [ "$mode" = 600 ] || fail "SIG$signal: the ring trace has mode $mode, not 600"

@@ -22,11 +22,7 @@ mkfifo "$work/changes"
 "$program" run --state examples/leaf-switch.json --changes "$work/changes" --listen "$address" \
   2>"$work/agent.err" &
 agent=$!
-for _ in $(seq 100); do
-  grep -q 'serving the QoS MIB' "$work/agent.err" 2>/dev/null && break
-  kill -0 "$agent" 2>/dev/null || fail "the agent exited at start"
-  sleep 0.1
-done
+wait_serving
 grep -q 'snmpwalk' "$work/agent.err" || fail "the agent does not say how to walk it"
 
 # Walks: both tools, the whole module, numeric OIDs.

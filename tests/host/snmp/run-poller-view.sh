@@ -23,12 +23,7 @@ start() {  # start ARGS...: the agent on $address, waiting until it serves
   : >"$work/agent.err"
   "$program" run --state examples/leaf-switch.json --listen "$address" "$@" 2>"$work/agent.err" &
   agent=$!
-  for _ in $(seq 100); do
-    grep -q 'serving the QoS MIB' "$work/agent.err" 2>/dev/null && return 0
-    kill -0 "$agent" 2>/dev/null || fail "the agent exited at start"
-    sleep 0.1
-  done
-  fail "the agent did not start"
+  wait_serving
 }
 stop() {
   kill -TERM "$agent"
