@@ -24,8 +24,10 @@ Kel::Ptr<Kel::Entity> EntityStore::buildRoot(const EntityType& type, const std::
   return build(type.makeRoot(name), type, canonical, JsonPointer() / name);
 }
 
-Kel::Ptr<Kel::Entity> EntityStore::at(const JsonPointer& path) const {
-  const auto it = byPath_.find(path.to_string());
+Kel::Ptr<Kel::Entity> EntityStore::at(const JsonPointer& path) const { return at(path.to_string()); }
+
+Kel::Ptr<Kel::Entity> EntityStore::at(const std::string& pathText) const {
+  const auto it = byPath_.find(pathText);
   return it == byPath_.end() ? nullptr : it->second;
 }
 

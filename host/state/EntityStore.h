@@ -38,6 +38,8 @@ class EntityStore {
 
   // The live entity at `path`; null when there is none.
   Kel::Ptr<Kel::Entity> at(const JsonPointer& path) const;
+  // The same for the path's JSON Pointer text.
+  Kel::Ptr<Kel::Entity> at(const std::string& pathText) const;
   // The canonical path of a live entity; nullptr when it is not (or no
   // longer) part of the state.
   const std::string* pathOf(const Kel::Entity* entity) const;

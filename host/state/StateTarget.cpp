@@ -44,6 +44,22 @@ std::vector<std::string> segmentsOf(const Json& path) {
   return segments;
 }
 
+// `text` followed by the JSON Pointer segment of `key` ("~" as "~0", "/" as
+// "~1").
+std::string appendSegment(std::string text, std::string_view key) {
+  text += '/';
+  for (const char c : key) {
+    if (c == '~') {
+      text += "~0";
+    } else if (c == '/') {
+      text += "~1";
+    } else {
+      text += c;
+    }
+  }
+  return text;
+}
+
 // Walks a path down the schema and the document, one entity at a time.
 class Walk {
  public:
@@ -62,8 +78,10 @@ class Walk {
           "unknown root \"" + segments_.front() + "\" (expected " + stateSchema().rootList() + ")"};
     }
     standOn(root->type, JsonPointer() / root->name, "", "");
+    target_.holderPathText = appendSegment("", root->name);
+    holder_ = memberOf(&document_, root->name);
     while (!done()) {
-      if (!document_.contains(target_.holderPath)) {
+      if (holder_ == nullptr) {
         throw SchemaError{target_.holderPath, "does not exist (so nothing below it can be changed)"};
       }
       const Attr* attr = stepToAttribute();
@@ -81,6 +99,14 @@ class Walk {
 
  private:
   bool done() const { return at_ == segments_.size(); }
+  // The member `key` of `object`; null when either is absent.
+  static const Json* memberOf(const Json* object, const std::string& key) {
+    if (object == nullptr || !object->is_object()) {
+      return nullptr;
+    }
+    const auto it = object->find(key);
+    return it == object->end() ? nullptr : &*it;
+  }
   const std::string& segment() const { return segments_[at_]; }
 
   void standOn(const EntityType* type, JsonPointer path, std::string key, std::string ownerKey) {
@@ -100,6 +126,8 @@ class Walk {
     if (type.flat) {
       target_.attr = &type.attrs.front();
       target_.attrPath = target_.holderPath;
+      attrText_ = target_.holderPathText;
+      attrValue_ = holder_;
       return target_.attr;
     }
     target_.attr = type.attr(segment());
@@ -110,6 +138,8 @@ class Walk {
     }
     target_.attrPath = target_.holderPath / target_.attr->name;
     target_.path = target_.attrPath;
+    attrText_ = appendSegment(target_.holderPathText, target_.attr->name);
+    attrValue_ = memberOf(holder_, target_.attr->name);
     ++at_;
     return target_.attr;
   }
@@ -125,7 +155,13 @@ class Walk {
       throw SchemaError{target_.path / segment(),
                         "a member of \"" + attr.name + "\" is a value: nothing is below it"};
     }
+    target_.enclosing.emplace();
+    target_.enclosing->attr = &attr;
+    target_.enclosing->holderPath = target_.holderPath;
+    target_.enclosing->key = key;
+    holder_ = memberOf(attrValue_, key);
     standOn(attr.member, target_.path, key, target_.holderKey);
+    target_.holderPathText = appendSegment(attrText_, key);
   }
 
   // Below an entity-valued scalar: the entity it holds as its own.
@@ -134,16 +170,23 @@ class Walk {
       throw SchemaError{target_.attrPath / segment(),
                         "\"" + attr.name + "\" is a scalar attribute: nothing is below it"};
     }
-    const Json& value = document_.at(target_.attrPath);
-    if (!value.is_object()) {
+    const Json* value = attrValue_;
+    if (value == nullptr || !value->is_object()) {
       throw SchemaError{target_.attrPath / segment(),
                         "\"" + attr.name + "\" does not hold an entity of its own: nothing is below it"};
     }
-    standOn(attr.member, target_.attrPath, value.at("name").get<std::string>(), target_.holderKey);
+    holder_ = value;
+    standOn(attr.member, target_.attrPath, value->at("name").get<std::string>(), target_.holderKey);
+    target_.holderPathText = attrText_;
   }
 
   std::vector<std::string> segments_;
   const Json& document_;
+  // The values at target_.holderPath and target_.attrPath; null when absent.
+  const Json* holder_ = nullptr;
+  const Json* attrValue_ = nullptr;
+  // The JSON Pointer text of target_.attrPath.
+  std::string attrText_;
   std::size_t at_ = 1;
   StateTarget target_;
 };

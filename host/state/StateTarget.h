@@ -22,6 +22,8 @@ struct StateTarget {
   // holder's key (the context of defaults). For a root target, the root.
   const EntityType* holderType = nullptr;
   JsonPointer holderPath;
+  // holderPath as JSON Pointer text, as the entity store looks it up.
+  std::string holderPathText;
   std::string holderKey;
   std::string holderOwnerKey;
   // The attribute; null for a root target.
@@ -29,6 +31,17 @@ struct StateTarget {
   JsonPointer attrPath;
   // The member's canonical key, for a member target.
   std::optional<std::string> key;
+  // The nearest collection member that the holding entity is or lies in:
+  // its collection, the collection's holder and its key; nullopt when the
+  // holder is a root or lies in none.
+  struct Enclosing {
+    const Attr* attr = nullptr;
+    JsonPointer holderPath;
+    // holderPath as JSON Pointer text, as the entity store looks it up.
+    std::string holderPathText;
+    std::string key;
+  };
+  std::optional<Enclosing> enclosing;
 
   bool isRoot() const { return attr == nullptr; }
   bool isMember() const { return key.has_value(); }

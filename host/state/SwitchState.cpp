@@ -83,10 +83,11 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
 
   Change applyChange(const Json& line);
   Change applyEdit(const std::string& op, const Json& line);
-  std::optional<Json> afterOf(const StateTarget& target, const Json* value) const;
-  std::optional<Json> swapIn(const StateTarget& target, std::optional<Json> value);
-  void notifyEnclosingMembers(const JsonPointer& entityPath);
-  void applyToEntities(const StateTarget& target, const std::optional<Json>& before);
+  std::optional<Json> afterOf(const StateTarget& target, const Json* value, const Json& place) const;
+  Json& placeOf(const StateTarget& target);
+  static std::optional<Json> swapIn(const StateTarget& target, Json& place, std::optional<Json> value);
+  void notifyEnclosingMember(const StateTarget& target);
+  void applyToEntities(const StateTarget& target, const Json& place, const std::optional<Json>& before);
 
   template <typename T>
   Kel::Ptr<const T> root(std::size_t index) const {
@@ -253,7 +254,8 @@ Change SwitchState::Impl::applyChange(const Json& line) {
 }
 
 // The canonical value the target will have; nullopt when a member goes.
-std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const Json* value) const {
+std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const Json* value,
+                                               const Json& place) const {
   const Attr* attr = target.attr;
   if (value != nullptr) {
     if (target.isRoot()) {
@@ -268,7 +270,7 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
     throw SchemaError{target.path, "a root cannot be deleted (set it to {} to empty it)"};
   }
   if (target.isMember()) {
-    if (!document_.at(target.attrPath).contains(*target.key)) {
+    if (!place.contains(*target.key)) {
       throw SchemaError{target.path, "nothing to delete: no such member"};
     }
     return std::nullopt;
@@ -276,35 +278,51 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
   return defaultOf(*attr, target.holderOwnerKey);
 }
 
-std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, std::optional<Json> value) {
+// Where the target's value lives in the mirror: the collection for a member
+// (which the change may add it to or remove it from), else the value itself.
+Json& SwitchState::Impl::placeOf(const StateTarget& target) {
+  return document_.at(target.isMember() ? target.attrPath : target.path);
+}
+
+std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, Json& place,
+                                              std::optional<Json> value) {
   std::optional<Json> old;
-  if (target.isMember()) {
-    Json& members = document_.at(target.attrPath);
-    if (const auto it = members.find(*target.key); it != members.end()) {
-      old = std::move(*it);
-      members.erase(it);
-    }
+  if (!target.isMember()) {
+    old = std::move(place);
+    place = std::move(*value);
+    return old;
+  }
+  const auto it = place.find(*target.key);
+  if (it == place.end()) {
     if (value) {
-      members[*target.key] = std::move(*value);
+      place.emplace(*target.key, std::move(*value));
     }
+    return old;
+  }
+  old = std::move(*it);
+  if (value) {
+    *it = std::move(*value);
   } else {
-    Json& slot = document_.at(target.path);
-    old = std::move(slot);
-    slot = std::move(*value);
+    place.erase(it);
   }
   return old;
 }
 
-void SwitchState::Impl::applyToEntities(const StateTarget& target, const std::optional<Json>& before) {
-  const Json* now = document_.contains(target.path) ? &document_.at(target.path) : nullptr;
+void SwitchState::Impl::applyToEntities(const StateTarget& target, const Json& place,
+                                        const std::optional<Json>& before) {
+  const Json* now = &place;
+  if (target.isMember()) {
+    const auto it = place.find(*target.key);
+    now = it == place.end() ? nullptr : &*it;
+  }
   if (target.isRoot()) {
     store_.update(*store_.at(target.path), *target.holderType, *before, *now, target.path);
     return;
   }
-  Kel::Entity& holder = *store_.at(target.holderPath);
+  Kel::Entity& holder = *store_.at(target.holderPathText);
   if (!target.isMember()) {
     store_.updateAttr(holder, *target.attr, *before, *now, target.holderPath, target.attrPath);
-    notifyEnclosingMembers(target.holderPath);
+    notifyEnclosingMember(target);
   } else if (now != nullptr) {
     store_.setMember(holder, *target.attr, *target.key, before ? &*before : nullptr, *now, target.path);
   } else {
@@ -312,28 +330,23 @@ void SwitchState::Impl::applyToEntities(const StateTarget& target, const std::op
   }
 }
 
-void SwitchState::Impl::notifyEnclosingMembers(const JsonPointer& entityPath) {
+void SwitchState::Impl::notifyEnclosingMember(const StateTarget& target) {
   // The nearest collection member the changed entity is, or is inside, is
   // reported changed when its collection reports members changed in place.
-  for (JsonPointer path = entityPath; !path.parent_pointer().empty(); path = path.parent_pointer()) {
-    const StateTarget enclosing = StateTarget::resolve(Json(path.to_string()), document_);
-    if (enclosing.isMember()) {
-      if (enclosing.attr->memberChanged != nullptr) {
-        enclosing.attr->memberChanged(*store_.at(enclosing.holderPath), *enclosing.key);
-      }
-      return;
-    }
+  if (target.enclosing && target.enclosing->attr->memberChanged != nullptr) {
+    target.enclosing->attr->memberChanged(*store_.at(target.enclosing->holderPath), target.enclosing->key);
   }
 }
 
 Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
   const StateTarget target = StateTarget::resolve(field(line, "path"), document_);
   const bool set = op == "set";
-  std::optional<Json> after = afterOf(target, set ? &line.at("value") : nullptr);
+  Json& place = placeOf(target);
+  std::optional<Json> after = afterOf(target, set ? &line.at("value") : nullptr, place);
 
   // The mirror first, so that references and the guard see the document as
   // it will be; undone when either refuses.
-  std::optional<Json> before = swapIn(target, std::move(after));
+  std::optional<Json> before = swapIn(target, place, std::move(after));
   const StateTransition transition{set ? StateTransition::Kind::set : StateTransition::Kind::del, target.path,
                                    document_, before ? &*before : nullptr};
   try {
@@ -346,10 +359,10 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
       }
     }
   } catch (const SchemaError&) {
-    swapIn(target, std::move(before));
+    swapIn(target, place, std::move(before));
     throw;
   }
-  applyToEntities(target, before);
+  applyToEntities(target, place, before);
   if (guard_ != nullptr) {
     guard_->applied(transition);
   }

@@ -109,6 +109,10 @@ class RandomPublisher {
       case 4:
         return set(policyMap + "/defaultClassAction", defaultClassAction());
       case 5:
+        if (chance(30)) {
+          // A counter value: changed in place, unseen by every rule.
+          return set(policyMap + "/cmapCounters/" + pick(kClasses) + "/packets", random_() % 1000);
+        }
         return setOrDelete(policyMap + "/cmapCounters/" + pick(kClasses), {{"packets", 1}});
       case 6:
         return set(policyMap + "/type", pick({"mapControlPlane", "mapQos", "mapPbr"}));

@@ -1,0 +1,57 @@
+#include "host/state/StateTarget.h"
+
+#include <gtest/gtest.h>
+
+namespace QosSnmpHost {
+namespace {
+
+const Json kDocument = Json::parse(R"({
+  "qosStatus": {"pmapType": {"mapQos": {"pmap": {"pm/1": {"cmapCounters": {"c~1": {"packets": 1}}}}}}},
+  "hwStatus": {"coppSupported": true},
+  "intfStatus": {"Ethernet1/1": {"snmpIfIndex": 1}},
+  "sliceHwStatus": {"slice0": {"cpStaticClassHwStatus": {"cpStaticBgp": {"hwRank": 0}}}}
+})");
+
+TEST(StateTargetTest, HolderPathTextIsTheHoldersEscapedPointer) {
+  const StateTarget target = StateTarget::resolve(
+      Json("/qosStatus/pmapType/mapQos/pmap/pm~11/cmapCounters/c~01/packets"), kDocument);
+  EXPECT_EQ(target.holderPathText, "/qosStatus/pmapType/mapQos/pmap/pm~11/cmapCounters/c~01");
+  EXPECT_EQ(target.holderPathText, target.holderPath.to_string());
+  EXPECT_EQ(target.attr->name, "packets");
+}
+
+TEST(StateTargetTest, AnAttributeOfADirectoryMemberNamesThatMemberAsEnclosing) {
+  const StateTarget target = StateTarget::resolve(Json("/intfStatus/Ethernet1~11/snmpIfIndex"), kDocument);
+  ASSERT_TRUE(target.enclosing.has_value());
+  EXPECT_EQ(target.enclosing->key, "Ethernet1/1");
+  EXPECT_EQ(target.enclosing->holderPath.to_string(), "/intfStatus");
+  EXPECT_NE(target.enclosing->attr->memberChanged, nullptr);
+  EXPECT_EQ(target.holderPathText, "/intfStatus/Ethernet1~11");
+}
+
+TEST(StateTargetTest, TheNearestEnclosingMemberIsTheDeepestOnTheWay) {
+  const StateTarget target =
+      StateTarget::resolve(Json("/sliceHwStatus/slice0/cpStaticClassHwStatus/cpStaticBgp/hwRank"), kDocument);
+  ASSERT_TRUE(target.enclosing.has_value());
+  EXPECT_EQ(target.enclosing->key, "cpStaticBgp");
+  EXPECT_EQ(target.enclosing->holderPath.to_string(), "/sliceHwStatus/slice0");
+}
+
+TEST(StateTargetTest, AnAttributeOfARootHasNoEnclosingMember) {
+  const StateTarget target = StateTarget::resolve(Json("/hwStatus/coppSupported"), kDocument);
+  EXPECT_FALSE(target.enclosing.has_value());
+  EXPECT_EQ(target.holderPathText, "/hwStatus");
+}
+
+TEST(StateTargetTest, APathThroughAnAbsentMemberIsRefusedAtThatMember) {
+  try {
+    StateTarget::resolve(Json("/intfStatus/Ethernet9/snmpIfIndex"), kDocument);
+    FAIL() << "resolved a path through an absent interface";
+  } catch (const SchemaError& error) {
+    EXPECT_EQ(error.path.to_string(), "/intfStatus/Ethernet9");
+    EXPECT_EQ(error.message, "does not exist (so nothing below it can be changed)");
+  }
+}
+
+}  // namespace
+}  // namespace QosSnmpHost
