@@ -1,5 +1,8 @@
 #include "host/state/InvariantGuard.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace QosSnmpHost {
 namespace {
 
@@ -9,17 +12,36 @@ std::vector<std::string> addedSlices(const InvariantView& view) {
   return view.addedMembers({"sliceHwStatus"});
 }
 
-// A change inside a class's counters of a policy map, below
-// /qosStatus/pmapType/<type>/pmap/<name>/cmapCounters/<class>: the counter
-// values. The rules read those counters only for whether they exist and
-// which entity they are, and such a change keeps both (the counters are
-// changed in place), so no rule can refuse it or needs to hear of it. The
-// steadiest stream of a live switch costs the guard nothing.
-bool countValuesOnly(const InvariantView& view) {
+// Whether the transition lies where no rule reads. The rules read only the
+// map types under /qosStatus, /hwStatus, /mibConfig and /sliceHwStatus, and
+// of those neither
+// - the counter values, below /qosStatus/pmapType/<type>/pmap/<name>/
+//   cmapCounters/<class>: counters are read only for whether they exist and
+//   which entity they are, which a change inside them (in place) keeps, nor
+// - a class map's match rules, /qosStatus/cmapType/<type>/cmap/<name>/match.
+// Such a transition cannot be refused and changes no rule's shadow state, so
+// the steadiest streams of a live switch (counters, match rules, service
+// policies, interfaces) cost the guard nothing. A rule that reads more must
+// be listed here.
+bool readByNoRule(const InvariantView& view) {
+  if (view.isBuild()) {
+    return false;
+  }
+  static const std::vector<InvariantView::Path> kRead = {
+      {"qosStatus", "pmapType"}, {"qosStatus", "cmapType"}, {"hwStatus"}, {"mibConfig"}, {"sliceHwStatus"}};
   const InvariantView::Path& path = view.path();
   constexpr std::size_t kCountersMemberDepth = 7;
-  return !view.isBuild() && path.size() > kCountersMemberDepth && path[0] == "qosStatus" &&
-         path[1] == "pmapType" && path[3] == "pmap" && path[5] == "cmapCounters";
+  constexpr std::size_t kMatchDepth = 6;
+  if (path.size() > kCountersMemberDepth && path[0] == "qosStatus" && path[1] == "pmapType" &&
+      path[3] == "pmap" && path[5] == "cmapCounters") {
+    return true;
+  }
+  if (path.size() >= kMatchDepth && path[0] == "qosStatus" && path[1] == "cmapType" && path[3] == "cmap" &&
+      path[5] == "match") {
+    return true;
+  }
+  return std::none_of(kRead.begin(), kRead.end(),
+                      [&view](const InvariantView::Path& read) { return view.reaches(read); });
 }
 
 }  // namespace
@@ -29,7 +51,7 @@ InvariantGuard::InvariantGuard(const QosSnmp::QosMib& qosMib, bool policerStatsT
 
 std::optional<Refusal> InvariantGuard::refusal(const StateTransition& transition) {
   const InvariantView view(transition);
-  if (countValuesOnly(view)) {
+  if (readByNoRule(view)) {
     return std::nullopt;
   }
   const std::vector<std::string> added = addedSlices(view);
@@ -49,7 +71,7 @@ std::optional<Refusal> InvariantGuard::refusal(const StateTransition& transition
 
 void InvariantGuard::applied(const StateTransition& transition) {
   const InvariantView view(transition);
-  if (countValuesOnly(view)) {
+  if (readByNoRule(view)) {
     return;
   }
   const std::vector<std::string> added = addedSlices(view);
