@@ -1,5 +1,7 @@
 #include "host/app/AgentHost.h"
 
+#include <malloc.h>
+
 #include <utility>
 
 #include "kel/Make.h"
@@ -26,6 +28,10 @@ std::optional<LoadError> AgentHost::build(QosSnmp::RootSmFactory& factory) {
                   state_.aclSliceHwStatusDir(), state_.mibConfig(), state_.allIntfStatusDir(),
                   state_.hwCounter(), mib_, state_.ecnCounterTable());
   state_.buildApplied();
+  // Loading parsed and copied the whole document; what it freed would stay
+  // with the process (the allocator keeps freed pages for reuse), so it is
+  // handed back to the system now that the agent holds what it keeps.
+  malloc_trim(0);
   return std::nullopt;
 }
 

@@ -33,7 +33,7 @@ Kel::Ptr<Kel::Entity> EntityStore::at(const std::string& pathText) const {
 
 const std::string* EntityStore::pathOf(const Kel::Entity* entity) const {
   const auto it = pathByEntity_.find(entity);
-  return it == pathByEntity_.end() ? nullptr : &it->second;
+  return it == pathByEntity_.end() ? nullptr : it->second;
 }
 
 std::vector<std::string> EntityStore::paths() const {
@@ -47,9 +47,12 @@ std::vector<std::string> EntityStore::paths() const {
 }
 
 void EntityStore::add(const JsonPointer& path, const Kel::Ptr<Kel::Entity>& entity) {
-  std::string text = path.to_string();
-  pathByEntity_[entity.get()] = text;
-  byPath_[std::move(text)] = entity;
+  const auto [it, added] = byPath_.try_emplace(path.to_string(), entity);
+  if (!added) {
+    pathByEntity_.erase(it->second.get());
+    it->second = entity;
+  }
+  pathByEntity_[entity.get()] = &it->first;
 }
 
 void EntityStore::forget(const JsonPointer& path) {

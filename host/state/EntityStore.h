@@ -75,8 +75,11 @@ class EntityStore {
   void updateCollection(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
                         const JsonPointer& attrPath);
 
+  // Every live entity by its path, and back: each path is stored once, as
+  // a key of byPath_ (whose nodes, and so keys, stay where they are until
+  // erased), which pathByEntity_ points to.
   std::unordered_map<std::string, Kel::Ptr<Kel::Entity>> byPath_;
-  std::unordered_map<const Kel::Entity*, std::string> pathByEntity_;
+  std::unordered_map<const Kel::Entity*, const std::string*> pathByEntity_;
 };
 
 }  // namespace QosSnmpHost

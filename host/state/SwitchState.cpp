@@ -4,9 +4,12 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -81,6 +84,16 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   bool fromFile_ = false;
   InputLimits limits_;
 
+  // The canonical form of a parsed document into `canonical`; the error
+  // (without a line) if it does not fit.
+  static std::optional<LoadError> canonicalize(const Json& document, const std::string& file,
+                                               Json& canonical);
+  // The same from the document's text, the error with its line.
+  static std::optional<LoadError> canonicalizeText(std::string_view text, const std::string& file,
+                                                   const InputLimits& limits, Json& canonical);
+  // The state over a canonical document that fits the schema.
+  static SwitchState build(Json canonical, const std::string& file, const InputLimits& limits);
+
   Change applyChange(const Json& line);
   Change applyEdit(const std::string& op, const Json& line);
   std::optional<Json> afterOf(const StateTarget& target, const Json* value, const Json& place) const;
@@ -100,10 +113,9 @@ SwitchState::SwitchState(SwitchState&&) noexcept = default;
 SwitchState& SwitchState::operator=(SwitchState&&) noexcept = default;
 SwitchState::~SwitchState() = default;
 
-Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std::string& file) {
+std::optional<LoadError> SwitchState::Impl::canonicalize(const Json& document, const std::string& file,
+                                                         Json& canonical) {
   const StateSchema& schema = stateSchema();
-  auto impl = std::make_unique<Impl>();
-  impl->file_ = file;
   try {
     if (!document.is_object()) {
       throw SchemaError{JsonPointer(), "expected an object with the roots " + schema.rootList() + ", got " +
@@ -115,13 +127,13 @@ Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std:
                           "unknown root \"" + name + "\" (expected " + schema.rootList() + ")"};
       }
     }
-    impl->document_ = Json::object();
+    canonical = Json::object();
     for (const auto& root : schema.roots) {
       const auto given = document.find(root.name);
-      impl->document_[root.name] = canonicalEntity(
-          *root.type, given == document.end() ? Json::object() : *given, JsonPointer() / root.name, "", "");
+      canonical[root.name] = canonicalEntity(*root.type, given == document.end() ? Json::object() : *given,
+                                             JsonPointer() / root.name, "", "");
     }
-    checkReferences(impl->document_);
+    checkReferences(canonical);
   } catch (const SchemaError& error) {
     return LoadError{file, 0, error.path.to_string(), error.message};
   } catch (const nlohmann::json::exception& error) {
@@ -129,41 +141,75 @@ Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std:
     // line of defence, so that no document can end the program.
     return LoadError{file, 0, std::nullopt, std::string("malformed document: ") + error.what()};
   }
-  for (const auto& root : schema.roots) {
+  return std::nullopt;
+}
+
+std::optional<LoadError> SwitchState::Impl::canonicalizeText(std::string_view text, const std::string& file,
+                                                             const InputLimits& limits, Json& canonical) {
+  std::optional<LoadError> error;
+  {
+    // The parsed document is gone once its canonical form is made.
+    JsonInput::Parsed parsed = JsonInput::parse(text, limits);
+    if (!parsed.value) {
+      return LoadError{file, parsed.line, std::nullopt, parsed.error};
+    }
+    error = canonicalize(*parsed.value, file, canonical);
+  }
+  if (error && error->path) {
+    error->line = JsonLineIndex(text).lineOf(JsonPointer(*error->path));
+  }
+  return error;
+}
+
+SwitchState SwitchState::Impl::build(Json canonical, const std::string& file, const InputLimits& limits) {
+  auto impl = std::make_unique<Impl>();
+  impl->file_ = file;
+  impl->limits_ = limits;
+  impl->document_ = std::move(canonical);
+  for (const auto& root : stateSchema().roots) {
     impl->roots_.push_back(impl->store_.buildRoot(*root.type, root.name, impl->document_.at(root.name)));
   }
   return SwitchState(std::move(impl));
 }
 
+Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std::string& file) {
+  Json canonical;
+  if (auto error = Impl::canonicalize(document, file, canonical)) {
+    return std::move(*error);
+  }
+  return Impl::build(std::move(canonical), file, {});
+}
+
 Result<SwitchState> SwitchState::loadText(std::string_view text, const std::string& file,
                                           const InputLimits& limits) {
-  JsonInput::Parsed parsed = JsonInput::parse(text, limits);
-  if (!parsed.value) {
-    return LoadError{file, parsed.line, std::nullopt, parsed.error};
+  Json canonical;
+  if (auto error = Impl::canonicalizeText(text, file, limits, canonical)) {
+    return std::move(*error);
   }
-  auto loaded = load(*parsed.value, file);
-  if (loaded) {
-    loaded->impl_->limits_ = limits;
-  }
-  if (!loaded && loaded.error().path) {
-    LoadError error = loaded.error();
-    error.line = JsonLineIndex(text).lineOf(JsonPointer(*error.path));
-    return error;
-  }
-  return loaded;
+  return Impl::build(std::move(canonical), file, limits);
 }
 
 Result<SwitchState> SwitchState::loadFile(const std::string& path, const InputLimits& limits) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    return LoadError{path, 0, std::nullopt, std::string("cannot read the file: ") + std::strerror(errno)};
+  Json canonical;
+  {
+    // The text is gone before the entities are built: at switch scale it
+    // and the parsed document would otherwise be most of the peak.
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+      return LoadError{path, 0, std::nullopt, std::string("cannot read the file: ") + std::strerror(errno)};
+    }
+    std::string text;
+    std::error_code sizeUnknown;
+    if (const auto size = std::filesystem::file_size(path, sizeUnknown); !sizeUnknown) {
+      text.reserve(size);
+    }
+    text.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    if (auto error = Impl::canonicalizeText(text, path, limits, canonical)) {
+      return std::move(*error);
+    }
   }
-  std::ostringstream text;
-  text << in.rdbuf();
-  auto loaded = loadText(text.str(), path, limits);
-  if (loaded) {
-    loaded->impl_->fromFile_ = true;
-  }
+  SwitchState loaded = Impl::build(std::move(canonical), path, limits);
+  loaded.impl_->fromFile_ = true;
   return loaded;
 }
 
