@@ -10,14 +10,16 @@
 // against the allocation tracker (Kel::TrackedAllocator).
 //
 // set() creates the row or replaces the row already under the index; del()
-// of an absent index does nothing. A row type that carries a CounterStamp
-// (CounterStampedRow: a `counterStamp` member and a sameCounters(a, b)
-// function found by argument lookup) is stamped by set() with the clock's
-// time when it is created or replaces a row with other counters, and keeps
-// the replaced row's stamp when the counters are the same. Pointers and references to a row stay
+// of an absent index does nothing. Pointers and references to a row stay
 // valid until that row is replaced or deleted; iterators until that row is
 // deleted, which erasures() counts, so that a reader can keep an iterator
 // across changes and know when it may no longer use it.
+//
+// A row type that carries a CounterStamp (CounterStampedRow: a
+// `counterStamp` member and a sameCounters(a, b) function found by argument
+// lookup) is stamped by set() with the clock's time when it is created or
+// replaces a row with other counters, and keeps the replaced row's stamp
+// when the counters are the same.
 //
 //   for (auto it = table.upperBound(requested); it != table.end(); ++it) {
 //     answer(it->first, it->second);
