@@ -67,14 +67,14 @@ void QosMib::policyMapActionTableDel(const PolicyMapActionTableIndex& index) {
 void QosMib::qosStatsTableIs(const QosStatsTableIndex& index,
                              Kel::Ptr<const Qos::ClassMapHwStatus> classMapHwStatus,
                              Kel::Ptr<const Qos::Counter> counter) {
-  qosStatsTable_.set(index, {std::move(classMapHwStatus), std::move(counter)});
+  qosStatsTable_.set(index, {std::move(classMapHwStatus), std::move(counter), {}}, counterClock_);
 }
 
 void QosMib::qosStatsTableDel(const QosStatsTableIndex& index) { qosStatsTable_.del(index); }
 
 void QosMib::qosPolicerStatsTableIs(const QosPolicerStatsTableIndex& index,
                                     Kel::Ptr<const Qos::PolicerHwStatus> policerHwStatus) {
-  qosPolicerStatsTable_.set(index, {std::move(policerHwStatus)});
+  qosPolicerStatsTable_.set(index, {std::move(policerHwStatus), {}}, counterClock_);
 }
 
 void QosMib::qosPolicerStatsTableDel(const QosPolicerStatsTableIndex& index) {
@@ -90,7 +90,7 @@ void QosMib::servicePolicyTableDel(const ServicePolicyTableIndex& index) { servi
 
 void QosMib::ecnCounterTableIs(const Snmp::String& chipName, Kel::Ptr<const Qos::ChipCounter> chipCounter,
                                Kel::U32 flags) {
-  ecnCounterTable_.set(chipName, {std::move(chipCounter), flags});
+  ecnCounterTable_.set(chipName, {std::move(chipCounter), flags, {}}, counterClock_);
 }
 
 void QosMib::ecnCounterTableDel(const Snmp::String& chipName) { ecnCounterTable_.del(chipName); }
@@ -102,7 +102,9 @@ void QosMib::ecnQueueCounterTableIs(const EcnQueueCounterTableIndex& index, Pell
                                     Kel::Ptr<const Qos::EcnCounterTable> ecnCounterTable,
                                     bool ecnQueueCountersFlag) {
   ecnQueueCounterTable_.set(
-      index, {std::move(intfId), std::move(sliceHwStatus), std::move(ecnCounterTable), ecnQueueCountersFlag});
+      index,
+      {std::move(intfId), std::move(sliceHwStatus), std::move(ecnCounterTable), ecnQueueCountersFlag, {}},
+      counterClock_);
 }
 
 void QosMib::ecnQueueCounterTableDel(const EcnQueueCounterTableIndex& index) {
@@ -110,6 +112,22 @@ void QosMib::ecnQueueCounterTableDel(const EcnQueueCounterTableIndex& index) {
 }
 
 void QosMib::ecnQueueCounterTableDelAll() { ecnQueueCounterTable_.delAll(); }
+
+void QosMib::ecnQueueCountersRestarted(const Qos::EcnCounterTable& ecnCounterTable,
+                                       const Pellix::IntfId& intf) {
+  if (!hasIntfIdToifIndex(intf)) {
+    return;
+  }
+  const Kel::S32 ifIndex = intfIdToifIndex(intf);
+  const CounterStamp now{counterClock_ ? counterClock_() : 0};
+  // Queues are 8-bit: every row of the ifIndex lies from queue 0 on.
+  for (auto it = ecnQueueCounterTable_.lowerBound(EcnQueueCounterTableIndex(ifIndex, 0));
+       it != ecnQueueCounterTable_.end() && it->first.ifIndex() == ifIndex; ++it) {
+    if (it->second.intfId == intf && it->second.ecnCounterTable.get() == &ecnCounterTable) {
+      ecnQueueCounterTable_.counterStampIs(it->first, now);
+    }
+  }
+}
 
 void QosMib::intfIdToifIndexIs(const Pellix::IntfId& intf, Kel::S32 ifIndex) {
   intfIdToifIndex_.is(intf, ifIndex);

@@ -20,6 +20,17 @@
 // Rows hold counted references to input entities, never copies of their
 // values (see QosMibRows.h); rowCount() counts the rows of every table.
 //
+// Counter stamps. The rows of the four counter tables (statistics, policer
+// statistics, ECN counters, ECN queue counters) record the TimeStamp at
+// which they last got different counters (CounterStamp): when <table>Is
+// creates the row, or replaces it with other counters (MibTable::set). The
+// time is read from the clock the host installs with counterClockIs (0
+// without one, as offline). An ECN queue row reaches its interface's
+// counters through the ECN counter table at query time, so when that table's
+// member of an interface is replaced the host calls
+// ecnQueueCountersRestarted() for it. Stamps are no part of a row's
+// identity (operator==).
+//
 // Maps, not SNMP tables, and not counted by rowCount():
 //   cmapByStaticType   static control-plane class type -> class map;
 //                      an absent type reads as null.
@@ -35,9 +46,12 @@
 #pragma once
 
 #include <cstddef>
+#include <utility>
 
 #include "QosSnmp/core/ClassMapMatchTableIndex.h"
 #include "QosSnmp/core/ClassMapTableIndex.h"
+#include "QosSnmp/core/CounterStamp.h"
+#include "QosSnmp/core/EcnCounterTable.h"
 #include "QosSnmp/core/EcnQueueCounterTableIndex.h"
 #include "QosSnmp/core/IndexHash.h"
 #include "QosSnmp/core/MibTable.h"
@@ -79,6 +93,14 @@ class QosMib : public Kel::Entity {
 
   // Rows of all ten tables.
   std::size_t rowCount() const;
+
+  // The clock of the counter stamps; an empty one reads as 0.
+  void counterClockIs(CounterClock clock) { counterClock_ = std::move(clock); }
+  // Stamps the ECN queue rows of `intf` that read its counters through
+  // `ecnCounterTable` with the clock's time: the table's member for `intf`
+  // was added, replaced or deleted. Finds the rows by the interface's
+  // ifIndex; does nothing when it has none.
+  void ecnQueueCountersRestarted(const Qos::EcnCounterTable& ecnCounterTable, const Pellix::IntfId& intf);
 
   // Class-map table.
   const ClassMapTableRows& classMapTable() const { return classMapTable_; }
@@ -208,6 +230,7 @@ class QosMib : public Kel::Entity {
   EcnCounterTableRows ecnCounterTable_;
   EcnQueueCounterTableRows ecnQueueCounterTable_;
   IntfIdToifIndexMap intfIdToifIndex_;
+  CounterClock counterClock_;
 };
 
 }  // namespace QosSnmp

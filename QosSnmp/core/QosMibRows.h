@@ -7,6 +7,11 @@
 // rewritten when a counter changes. Names are shortened (uniqueId). A
 // pointer documented as "may be null" is a column the SNMP layer renders
 // empty (or zero) while the entity is absent.
+//
+// The rows of the four tables whose columns are counters carry a
+// CounterStamp (see MibTable), not part of their identity, and say through
+// sameCounters() which rows have the same counters: the same counter entity,
+// or for an ECN queue row the same interface of the same ECN counter table.
 #pragma once
 
 #include "QosSnmp/core/Action.h"
@@ -16,6 +21,7 @@
 #include "QosSnmp/core/ClassMapMatch.h"
 #include "QosSnmp/core/ClassMapStatus.h"
 #include "QosSnmp/core/Counter.h"
+#include "QosSnmp/core/CounterStamp.h"
 #include "QosSnmp/core/EcnCounterTable.h"
 #include "QosSnmp/core/HwStatus.h"
 #include "QosSnmp/core/PolicerHwStatus.h"
@@ -69,14 +75,22 @@ struct PolicyMapActionTableRow {
 struct QosStatsTableRow {
   Kel::Ptr<const Qos::ClassMapHwStatus> classMapHwStatus;  // null for control-plane rows
   Kel::Ptr<const Qos::Counter> counter;
+  CounterStamp counterStamp;
 
   friend bool operator==(const QosStatsTableRow&, const QosStatsTableRow&) = default;
+  friend bool sameCounters(const QosStatsTableRow& a, const QosStatsTableRow& b) {
+    return a.counter == b.counter;
+  }
 };
 
 struct QosPolicerStatsTableRow {
   Kel::Ptr<const Qos::PolicerHwStatus> policerHwStatus;
+  CounterStamp counterStamp;
 
   friend bool operator==(const QosPolicerStatsTableRow&, const QosPolicerStatsTableRow&) = default;
+  friend bool sameCounters(const QosPolicerStatsTableRow& a, const QosPolicerStatsTableRow& b) {
+    return a.policerHwStatus == b.policerHwStatus;
+  }
 };
 
 struct ServicePolicyTableRow {
@@ -91,8 +105,12 @@ struct EcnCounterTableRow {
   Kel::Ptr<const Qos::ChipCounter> chipCounter;
   // Handed through unchanged for the SNMP layer; the agent always writes 0.
   Kel::U32 flags = 0;
+  CounterStamp counterStamp;
 
   friend bool operator==(const EcnCounterTableRow&, const EcnCounterTableRow&) = default;
+  friend bool sameCounters(const EcnCounterTableRow& a, const EcnCounterTableRow& b) {
+    return a.chipCounter == b.chipCounter;
+  }
 };
 
 struct EcnQueueCounterTableRow {
@@ -101,8 +119,12 @@ struct EcnQueueCounterTableRow {
   Kel::Ptr<const Qos::EcnCounterTable> ecnCounterTable;
   // The hardware status's ECN queue counters flag, handed through unchanged.
   bool ecnQueueCountersFlag = false;
+  CounterStamp counterStamp;
 
   friend bool operator==(const EcnQueueCounterTableRow&, const EcnQueueCounterTableRow&) = default;
+  friend bool sameCounters(const EcnQueueCounterTableRow& a, const EcnQueueCounterTableRow& b) {
+    return a.ecnCounterTable == b.ecnCounterTable && a.intfId == b.intfId;
+  }
 };
 
 }  // namespace QosSnmp

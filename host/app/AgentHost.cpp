@@ -11,7 +11,8 @@ namespace QosSnmpHost {
 AgentHost::AgentHost(SwitchState state, bool policerStatsTableEnabled)
     : state_(std::move(state)),
       mib_(Kel::make<QosSnmp::QosMib>()),
-      guard_(std::make_unique<InvariantGuard>(*mib_, policerStatsTableEnabled)) {
+      guard_(std::make_unique<InvariantGuard>(*mib_, policerStatsTableEnabled)),
+      ecnCounterTable_(this, state_.ecnCounterTable()) {
   state_.guardIs(guard_.get());
 }
 

@@ -15,6 +15,12 @@
 //   MibDump(host.pathOf()).writeText(std::cout, host.mib());
 //   host.release();                                                       // closes every machine
 //
+// Counter stamps (see QosMib): the host gives the model the clock of its
+// SNMP agent (counterClockIs; none offline, where stamps read 0), and tells
+// it when the ECN counter table's member of an interface is added, replaced
+// or deleted, which restarts the counters of that interface's ECN queue rows
+// without touching the rows.
+//
 // Invariants: the root exists between a successful build() and release();
 // a refused or malformed input changes no entity and no row.
 #pragma once
@@ -23,14 +29,19 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "QosSnmp/core/CounterStamp.h"
+#include "QosSnmp/core/EcnCounterTable.h"
 #include "QosSnmp/core/QosMib.h"
 #include "QosSnmp/core/RootSm.h"
 #include "host/dump/MibDump.h"
 #include "host/state/InvariantGuard.h"
 #include "host/state/SwitchState.h"
+#include "kel/Notifiee.h"
 #include "kel/Ptr.h"
 #include "kel/StateMachine.h"
+#include "pellix/IntfId.h"
 
 namespace QosSnmpHost {
 
@@ -48,6 +59,8 @@ class AgentHost {
   std::optional<LoadError> build(QosSnmp::RootSmFactory& factory);
   // One change line (see SwitchState::apply).
   Result<Change> apply(std::string_view line, const Source& where);
+  // The clock of the model's counter stamps: the current TimeStamp.
+  void counterClockIs(QosSnmp::CounterClock clock) { mib_->counterClockIs(std::move(clock)); }
   // Closes every machine (the MIB model empties) and releases the root.
   void release();
 
@@ -58,10 +71,21 @@ class AgentHost {
   MibDump::PathOf pathOf() const;
 
  private:
+  // Reports every change of the ECN counter table's members to the model.
+  class KelEcnCounterTable : public Kel::Notifiee<KelEcnCounterTable, AgentHost, const Qos::EcnCounterTable,
+                                                  Qos::EcnCounterTable::IntfQueueCounter> {
+   public:
+    using Notifiee::Notifiee;
+    void on(Qos::EcnCounterTable::IntfQueueCounter /*attr*/, const Pellix::IntfId& intf) {
+      owner().mib_->ecnQueueCountersRestarted(*notifier(), intf);
+    }
+  };
+
   SwitchState state_;
   Kel::Ptr<QosSnmp::QosMib> mib_;
   std::unique_ptr<InvariantGuard> guard_;
   Kel::Ptr<QosSnmp::RootSm> root_;
+  Kel::Watch<KelEcnCounterTable> ecnCounterTable_;
 };
 
 }  // namespace QosSnmpHost

@@ -308,6 +308,9 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
   Kel::ActivityManager loop(Kel::System::clock());
   MibAgentStatus agentStatus;
   agentStatus.stateLoadedIs(MibAgentStatus::Clock::now());
+  // Counters the model got at load are stamped 0; later ones with the time
+  // since the SNMP agent started, which sysUpTime counts.
+  host->counterClockIs([&agentStatus] { return agentStatus.timeStamp(MibAgentStatus::Clock::now()); });
   const MibView view(host->mib(), &agentStatus);
   SnmpFrontEnd snmp(loop, view);
   RunningAgent running{common, options, snmp};
@@ -355,6 +358,7 @@ int runCommand(const CommonOptions& common, const RunOptions& options, const Opt
   feed.reset();
   snmp.stop();
   host->release();
+  host->counterClockIs({});  // agentStatus goes first
   if (running.failed()) {
     Logger::error("main", "stopped: the SNMP agent could not be restarted");
     return kSetUpFailed;

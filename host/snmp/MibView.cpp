@@ -10,7 +10,6 @@
 #include <tuple>
 #include <type_traits>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "QosSnmp/core/QosMib.h"
@@ -131,31 +130,9 @@ SnmpValue fullName(std::string_view name) {
 
 }  // namespace
 
-// What the view derives from the model and keeps between queries. The
-// discontinuity record is keyed by the address of a row in its MibTable,
-// which stays the same until the row is replaced or deleted (MibTable's
-// contract); a replaced or new row at an old address is told apart by its
-// counter entity.
+// What the view derives from the model and keeps between queries.
 struct MibView::State {
   State(const QosMib& model, const MibAgentStatus* given) : mib(model), status(given ? given : &noStatus) {}
-
-  // The TimeStamp of now.
-  std::uint32_t now() const { return status->timeStamp(MibAgentStatus::Clock::now()); }
-
-  // The discontinuity time of the counted row at `row` whose counter
-  // entity is `entity` (see MibView.h). The entity is held, so that a new
-  // one can never be allocated where the last one seen was.
-  std::uint32_t discontinuity(const void* row, Kel::Ptr<const Kel::Entity> entity) {
-    auto [it, added] = seen.try_emplace(row, Seen{entity, 0});
-    if (added || it->second.entity != entity) {
-      it->second = Seen{std::move(entity), now()};
-    }
-    const std::uint32_t at = it->second.at;
-    if (added && seen.size() >= pruneAt) {
-      prune();
-    }
-    return at;
-  }
 
   // The name of the interface with this ifIndex, or empty.
   std::string intfName(Kel::S32 ifIndex) {
@@ -186,18 +163,9 @@ struct MibView::State {
     return {};
   }
 
-  void prune();
-
-  struct Seen {
-    Kel::Ptr<const Kel::Entity> entity;
-    std::uint32_t at;
-  };
-
   const QosMib& mib;
   MibAgentStatus noStatus;
   const MibAgentStatus* status;
-  std::unordered_map<const void*, Seen> seen;
-  std::size_t pruneAt = 4096;
   std::unordered_map<Kel::S32, Pellix::IntfId> intfByIfIndex;
   bool intfNamesBuilt = false;
   std::uint64_t intfNamesGeneration = 0;
@@ -453,7 +421,7 @@ struct QosStatsTable {
         return c ? fullName(c->name().view())
                  : fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
       case 12:
-        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, c));
+        return SnmpValue::timeTicksIs(row.counterStamp.at);
       default:
         return enumValue(readOr(row.classMapHwStatus, [](const auto& h) { return h.programmingStatus(); }));
     }
@@ -505,7 +473,7 @@ struct QosPolicerStatsTable {
       case 13:
         return text(p ? p->intfName().view() : std::string_view(ctx.state.intfName(index.ifIndex())));
       case 14:
-        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, p));
+        return SnmpValue::timeTicksIs(row.counterStamp.at);
       default:
         return counter(readOr(p, [](const auto& s) { return s.violatedBytes(); }));
     }
@@ -556,7 +524,7 @@ struct EcnCounterTable {
       {"qosEcnCounterDiscontinuityTime", 6, Type::timeTicks, true},
   };
   static const QosMib::EcnCounterTableRows& rows(const QosMib& mib) { return mib.ecnCounterTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context& ctx) {
+  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
     const auto& chip = row.chipCounter;
     switch (column) {
       case 2:
@@ -566,7 +534,7 @@ struct EcnCounterTable {
       case 5:
         return fullName(readOr(chip, [](const auto& c) { return c.name().view(); }));
       case 6:
-        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, chip));
+        return SnmpValue::timeTicksIs(row.counterStamp.at);
       default:
         return counter(readOr(chip, [](const auto& c) { return c.ecnDroppedPackets(); }));
     }
@@ -592,7 +560,7 @@ struct EcnQueueCounterTable {
   static const QosMib::EcnQueueCounterTableRows& rows(const QosMib& mib) {
     return mib.ecnQueueCounterTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context&) {
     // Looked up only for the columns that read it: a walk reads every column.
     const auto queueCounter = [&row] {
       return row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
@@ -612,7 +580,7 @@ struct EcnQueueCounterTable {
         return enumValue(readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
       }
       case 8:
-        return SnmpValue::timeTicksIs(ctx.state.discontinuity(&row, queueCounter()));
+        return SnmpValue::timeTicksIs(row.counterStamp.at);
       default:
         return truth(row.ecnQueueCountersFlag);
     }
@@ -826,21 +794,6 @@ MibView::MibView(const QosMib& mib, const MibAgentStatus* status)
     : mib_(mib), state_(std::make_unique<State>(mib, status)) {}
 
 MibView::~MibView() = default;
-
-void MibView::State::prune() {
-  std::unordered_set<const void*> rows;
-  auto addRows = [&rows](const auto& table) {
-    for (const auto& entry : table) {
-      rows.insert(&entry.second);
-    }
-  };
-  addRows(mib.qosStatsTable());
-  addRows(mib.qosPolicerStatsTable());
-  addRows(mib.ecnCounterTable());
-  addRows(mib.ecnQueueCounterTable());
-  std::erase_if(seen, [&rows](const auto& entry) { return !rows.contains(entry.first); });
-  pruneAt = std::max<std::size_t>(4096, 2 * seen.size());
-}
 
 OidSpan MibView::agentGroupOid() noexcept { return kAgentGroupOid; }
 

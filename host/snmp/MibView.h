@@ -24,14 +24,13 @@
 // interface's name beside an ifIndex index, looked up in the model's
 // interface map (a reverse lookup the view caches; with a MibAgentStatus
 // it is rebuilt only after the model changed). Tables whose rows carry
-// counters have a discontinuity column: the TimeStamp at which the view
-// first served the row with its current counter entity. A counter restarts
-// from zero only with a new entity, and every read of the column compares
-// the entity with the one it saw last, so two polls that read different
-// discontinuity times straddle a restart, and two that read the same do
-// not. The view holds the last entity it saw of each counted row (so that
-// no new entity can take its address), pruned of vanished rows as the
-// record grows past twice the rows it kept at the last pruning.
+// counters have a discontinuity column: the row's counter stamp (see
+// QosMib), the TimeStamp at which the row last got different counters, as
+// the model recorded it at that moment; 0 when that was at load. A counter
+// restarts from zero only with new counters, so two polls that read
+// different discontinuity times straddle a restart, and two that read the
+// same do not, however long nobody polled between the restart and the next
+// poll. The view keeps nothing per row.
 //
 // After the tables, qosAgent (qosSnmpObjects 11) holds the agent's
 // scalars, read from the MibAgentStatus given to the constructor (all 0

@@ -1,5 +1,6 @@
 #include "QosSnmp/core/QosMib.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -140,7 +141,7 @@ TEST_F(QosMibTest, PolicyMapActionRowMayHoldNullReferences) {
 TEST_F(QosMibTest, StatisticsRowHoldsHardwareStatusAndCounter) {
   mib_->qosStatsTableIs(statsIndex_, classMapHwStatus_, counter_);
   ASSERT_NE(mib_->qosStatsTable(statsIndex_), nullptr);
-  EXPECT_EQ(*mib_->qosStatsTable(statsIndex_), (QosStatsTableRow{classMapHwStatus_, counter_}));
+  EXPECT_EQ(*mib_->qosStatsTable(statsIndex_), (QosStatsTableRow{classMapHwStatus_, counter_, {}}));
   mib_->qosStatsTableDel(statsIndex_);
   EXPECT_EQ(mib_->qosStatsTable(statsIndex_), nullptr);
 }
@@ -201,7 +202,7 @@ TEST_F(QosMibTest, ServicePolicyRowHoldsTheShortenedNameAndTheKey) {
 TEST_F(QosMibTest, EcnCounterRowIsKeyedByChipName) {
   mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
   ASSERT_NE(mib_->ecnCounterTable("chip0"), nullptr);
-  EXPECT_EQ(*mib_->ecnCounterTable("chip0"), (EcnCounterTableRow{chipCounter_, 0}));
+  EXPECT_EQ(*mib_->ecnCounterTable("chip0"), (EcnCounterTableRow{chipCounter_, 0, {}}));
   EXPECT_EQ(mib_->ecnCounterTable("chip1"), nullptr);
   mib_->ecnCounterTableDel("chip0");
   EXPECT_EQ(mib_->ecnCounterTable("chip0"), nullptr);
@@ -222,7 +223,7 @@ TEST_F(QosMibTest, EcnQueueCounterRowHoldsInterfaceSliceTableAndFlag) {
   mib_->ecnQueueCounterTableIs(index, ethernet1_, slice_, ecnCounterTable_, true);
   ASSERT_NE(mib_->ecnQueueCounterTable(index), nullptr);
   EXPECT_EQ(*mib_->ecnQueueCounterTable(index),
-            (EcnQueueCounterTableRow{ethernet1_, slice_, ecnCounterTable_, true}));
+            (EcnQueueCounterTableRow{ethernet1_, slice_, ecnCounterTable_, true, {}}));
   mib_->ecnQueueCounterTableDel(index);
   EXPECT_EQ(mib_->ecnQueueCounterTable(index), nullptr);
 }
@@ -286,7 +287,7 @@ TEST_F(QosMibTest, AddingOnAnExistingIndexReplacesTheRow) {
 
   mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
   mib_->ecnCounterTableIs("chip0", nullptr, 1);
-  EXPECT_EQ(*mib_->ecnCounterTable("chip0"), (EcnCounterTableRow{nullptr, 1}));
+  EXPECT_EQ(*mib_->ecnCounterTable("chip0"), (EcnCounterTableRow{nullptr, 1, {}}));
   EXPECT_EQ(mib_->rowCount(), 3U);
 }
 
@@ -411,6 +412,105 @@ TEST_F(QosMibTest, RowNodesCountInTheAllocationTracker) {
   EXPECT_EQ(liveRowsOf("QosSnmp::QosStatsTableRow"), before + 2);
   mib_->qosStatsTableDel(statsIndex_);
   EXPECT_EQ(liveRowsOf("QosSnmp::QosStatsTableRow"), before + 1);
+}
+
+TEST_F(QosMibTest, CounterStampIsTheTimeOfTheChangeNotOfALaterRead) {
+  std::uint32_t now = 100;
+  mib_->counterClockIs([&now] { return now; });
+  mib_->qosStatsTableIs(statsIndex_, classMapHwStatus_, counter_);
+  EXPECT_EQ(mib_->qosStatsTable(statsIndex_)->counterStamp.at, 100U);
+  // The same counters written again, with another hardware status: the stamp stays.
+  now = 200;
+  mib_->qosStatsTableIs(statsIndex_, nullptr, counter_);
+  EXPECT_EQ(mib_->qosStatsTable(statsIndex_)->counterStamp.at, 100U);
+  // New counters at 300, read at 900.
+  now = 300;
+  mib_->qosStatsTableIs(statsIndex_, nullptr, Kel::make<Qos::Counter>("cm-voice"));
+  now = 900;
+  EXPECT_EQ(mib_->qosStatsTable(statsIndex_)->counterStamp.at, 300U);
+}
+
+TEST_F(QosMibTest, EveryCounterTableStampsNewCountersAndKeepsTheStampOfTheSame) {
+  std::uint32_t now = 10;
+  mib_->counterClockIs([&now] { return now; });
+  mib_->intfIdToifIndexIs(ethernet1_, 1000001);
+  const QosPolicerStatsTableIndex policerIndex{"pm-edge", 1, "cm-voice", 1000001};
+  const EcnQueueCounterTableIndex queueIndex{1000001, 0};
+  mib_->qosPolicerStatsTableIs(policerIndex, policer_);
+  mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
+  mib_->ecnQueueCounterTableIs(queueIndex, ethernet1_, slice_, ecnCounterTable_, true);
+  now = 20;
+  mib_->qosPolicerStatsTableIs(policerIndex, policer_);
+  mib_->ecnCounterTableIs("chip0", chipCounter_, 1);
+  mib_->ecnQueueCounterTableIs(queueIndex, ethernet1_, nullptr, ecnCounterTable_, false);
+  EXPECT_EQ(mib_->qosPolicerStatsTable(policerIndex)->counterStamp.at, 10U);
+  EXPECT_EQ(mib_->ecnCounterTable("chip0")->counterStamp.at, 10U);
+  EXPECT_EQ(mib_->ecnQueueCounterTable(queueIndex)->counterStamp.at, 10U);
+  now = 30;
+  mib_->qosPolicerStatsTableIs(policerIndex, Kel::make<Qos::PolicerHwStatus>("Ethernet1"));
+  mib_->ecnCounterTableIs("chip0", Kel::make<Qos::ChipCounter>("chip0"), 1);
+  mib_->ecnQueueCounterTableIs(queueIndex, ethernet1_, slice_, Kel::make<Qos::EcnCounterTable>(), true);
+  now = 40;
+  EXPECT_EQ(mib_->qosPolicerStatsTable(policerIndex)->counterStamp.at, 30U);
+  EXPECT_EQ(mib_->ecnCounterTable("chip0")->counterStamp.at, 30U);
+  EXPECT_EQ(mib_->ecnQueueCounterTable(queueIndex)->counterStamp.at, 30U);
+}
+
+TEST_F(QosMibTest, RowDeletedAndAddedAgainGetsANewStamp) {
+  std::uint32_t now = 5;
+  mib_->counterClockIs([&now] { return now; });
+  mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
+  now = 7;
+  mib_->ecnCounterTableDel("chip0");
+  mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
+  EXPECT_EQ(mib_->ecnCounterTable("chip0")->counterStamp.at, 7U);
+  now = 8;
+  mib_->ecnCounterTableDelAll();
+  mib_->ecnCounterTableIs("chip0", chipCounter_, 0);
+  EXPECT_EQ(mib_->ecnCounterTable("chip0")->counterStamp.at, 8U);
+}
+
+TEST_F(QosMibTest, CounterStampsAreZeroWithoutAClockAndNoPartOfARow) {
+  mib_->qosStatsTableIs(statsIndex_, classMapHwStatus_, counter_);
+  EXPECT_EQ(mib_->qosStatsTable(statsIndex_)->counterStamp.at, 0U);
+  mib_->counterClockIs([] { return 4000U; });
+  mib_->qosStatsTableIs({"pm-edge", 1, "cm-video", 6}, classMapHwStatus_, counter_);
+  const QosStatsTableRow& stamped = *mib_->qosStatsTable({"pm-edge", 1, "cm-video", 6});
+  EXPECT_EQ(stamped.counterStamp.at, 4000U);
+  EXPECT_EQ(stamped, *mib_->qosStatsTable(statsIndex_));
+  EXPECT_EQ(stamped, (QosStatsTableRow{classMapHwStatus_, counter_, {1}}));
+}
+
+TEST_F(QosMibTest, EcnQueueCountersRestartedStampsTheRowsOfThatInterfaceAndTable) {
+  std::uint32_t now = 1;
+  mib_->counterClockIs([&now] { return now; });
+  const Pellix::IntfId ethernet2{Kel::String("Ethernet2")};
+  const Pellix::IntfId ethernet3{Kel::String("Ethernet3")};
+  mib_->intfIdToifIndexIs(ethernet1_, 1000001);
+  mib_->intfIdToifIndexIs(ethernet2, 1000002);
+  for (Kel::U8 queue = 0; queue < 3; ++queue) {
+    mib_->ecnQueueCounterTableIs({1000001, queue}, ethernet1_, slice_, ecnCounterTable_, true);
+    mib_->ecnQueueCounterTableIs({1000002, queue}, ethernet2, slice_, ecnCounterTable_, true);
+  }
+  auto stampOf = [this](Kel::S32 ifIndex, Kel::U8 queue) {
+    return mib_->ecnQueueCounterTable({ifIndex, queue})->counterStamp.at;
+  };
+  now = 50;
+  mib_->ecnQueueCountersRestarted(*ecnCounterTable_, ethernet1_);
+  for (Kel::U8 queue = 0; queue < 3; ++queue) {
+    EXPECT_EQ(stampOf(1000001, queue), 50U);
+    EXPECT_EQ(stampOf(1000002, queue), 1U);
+  }
+  // Another table, an interface without rows or without an ifIndex: nothing moves.
+  now = 60;
+  const auto other = Kel::make<Qos::EcnCounterTable>();
+  mib_->ecnQueueCountersRestarted(*other, ethernet2);
+  mib_->ecnQueueCountersRestarted(*ecnCounterTable_, ethernet3);
+  mib_->intfIdToifIndexIs(ethernet3, 1000003);
+  mib_->ecnQueueCountersRestarted(*ecnCounterTable_, ethernet3);
+  EXPECT_EQ(stampOf(1000001, 2), 50U);
+  EXPECT_EQ(stampOf(1000002, 0), 1U);
+  EXPECT_EQ(mib_->ecnQueueCounterTable().size(), 6U);
 }
 
 TEST_F(QosMibTest, ReleasingTheModelReleasesEveryReferencedEntity) {

@@ -9,9 +9,10 @@
 #                      stream, the engine ID kept across a restart,
 #                      --no-v2c.
 #   WalkOrderExample   snmpwalk, snmpbulkwalk -Cr10 and -Cr50 agree on the
-#                      example switch and show every table's rows as dump
-#                      does (walk-order.sh takes any state documents, the
-#                      switch generator's presets among them).
+#                      example switch, and on the smallest valid document
+#                      (every table empty), and show every table's rows as
+#                      dump does (walk-order.sh takes any state documents,
+#                      the switch generator's presets among them).
 #   MasterRestarts     snmpd restarted 4 times under the AgentX subagent
 #                      (the 50-restart run is opt-in, see docs/snmp.md).
 if(TARGET qos-snmp-agent)
@@ -22,7 +23,8 @@ if(TARGET qos-snmp-agent)
                                       $<TARGET_FILE:qos-snmp-agent>)
   set_tests_properties(RunPollerView PROPERTIES TIMEOUT 120)
   add_test(NAME WalkOrderExample COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/snmp/walk-order.sh
-                                         $<TARGET_FILE:qos-snmp-agent> ${PROJECT_SOURCE_DIR}/examples/leaf-switch.json)
+                                         $<TARGET_FILE:qos-snmp-agent> ${PROJECT_SOURCE_DIR}/examples/leaf-switch.json
+                                         ${CMAKE_CURRENT_SOURCE_DIR}/snmp/walk-order-no-rows.json)
   set_tests_properties(WalkOrderExample PROPERTIES TIMEOUT 120)
   add_test(NAME MasterRestarts COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/snmp/master-restarts.sh
                                        $<TARGET_FILE:qos-snmp-agent> 4 2)

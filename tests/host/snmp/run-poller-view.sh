@@ -7,6 +7,7 @@
 # - The agent group follows the change stream: a change line applied and a
 #   malformed one refused move qosAgentChangesApplied, qosAgentChangesRefused
 #   and qosAgentLastChangeTime.
+# - Discontinuity times are the time of the change, not of the poll.
 # - --snmp-persistent-dir keeps the engine ID across a restart and counts
 #   boots; --no-v2c leaves SNMPv3 (authPriv) as the only access.
 set -u
@@ -61,6 +62,39 @@ done
 last=$(value QOS-SNMP-MIB::qosAgentLastChangeTime.0)
 uptime=$(snmpget $snmp -Oqvt "$address" 1.3.6.1.2.1.1.3.0)
 [ "$last" -gt 0 ] 2>/dev/null && [ "$last" -le "$uptime" ] || fail "last change time $last, sysUpTime $uptime"
+
+# Discontinuity times are stamped when a row gets new counters, not when a
+# poller reads it: rows loaded with the state read 0; a class's counters and
+# an interface's ECN queue counters deleted and published again read the
+# time of the change (at most the last change's time), however late the poll.
+oid_string() {  # oid_string TEXT: the length, then each byte, dotted
+  local i out=${#1}
+  for ((i = 0; i < ${#1}; i++)); do out="$out.$(printf '%d' "'${1:i:1}")"; done
+  echo "$out"
+}
+stats=.1.3.6.1.4.1.32473.1.1.6.1.12.$(oid_string policy-in).1.$(oid_string class-voice).0
+queue=QOS-SNMP-MIB::qosEcnQueueCounterDiscontinuityTime.1.3
+[ "$(value $stats)" = 0 ] || fail "loaded statistics row: discontinuity time $(value $stats)"
+[ "$(value $queue)" = 0 ] || fail "loaded ECN queue row: discontinuity time $(value $queue)"
+counters=/qosStatus/pmapType/mapQos/pmap/policy-in/cmapCounters/class-voice
+queues=/ecnCounterTable/intfQueueCounter/Ethernet1~11
+printf '%s\n' "{\"op\": \"delete\", \"path\": \"$counters\"}" \
+  "{\"op\": \"set\", \"path\": \"$counters\", \"value\": {\"packets\": 1}}" \
+  "{\"op\": \"delete\", \"path\": \"$queues\"}" \
+  "{\"op\": \"set\", \"path\": \"$queues\", \"value\": {\"queueMarkedPackets\": {\"3\": 2}}}" >"$work/changes"
+for _ in $(seq 50); do
+  [ "$(value QOS-SNMP-MIB::qosAgentChangesApplied.0)" = 5 ] && break
+  sleep 0.1
+done
+[ "$(value QOS-SNMP-MIB::qosAgentChangesApplied.0)" = 5 ] || fail "counter changes applied: $(value QOS-SNMP-MIB::qosAgentChangesApplied.0)"
+last=$(value QOS-SNMP-MIB::qosAgentLastChangeTime.0)
+sleep 1.5
+uptime=$(snmpget $snmp -Oqvt "$address" 1.3.6.1.2.1.1.3.0)
+for row in $stats $queue; do
+  at=$(value "$row")
+  [ "$at" -gt 0 ] 2>/dev/null && [ "$at" -le "$last" ] && [ $((uptime - at)) -ge 100 ] ||
+    fail "$row: discontinuity time $at, last change $last, sysUpTime at the poll $uptime"
+done
 
 engine() { snmpget $snmp -Oqv "$address" 1.3.6.1.6.3.10.2.1.1.0 | tr -d ' \n'; }
 boots() { value 1.3.6.1.6.3.10.2.1.2.0; }

@@ -7,7 +7,8 @@
 #   snmpbulkwalk -Cr50 exit 0 and print the same;
 # - every table holds exactly as many rows in the walk as `dump` shows
 #   (none included).
-# Prints the number of varbinds and the walks' durations per state.
+# Prints the number of varbinds and the walks' durations per state, and
+# the rows and varbinds of each table.
 set -u
 program=$1
 shift
@@ -46,15 +47,18 @@ for state in "$@"; do
   done
   cmp -s "$work/snmpwalk" "$work/snmpbulkwalkCr10" || fail "$state: snmpwalk and snmpbulkwalk -Cr10 differ"
   cmp -s "$work/snmpwalk" "$work/snmpbulkwalkCr50" || fail "$state: snmpwalk and snmpbulkwalk -Cr50 differ"
+  perTable=""
   for entry in $tables; do
     table=${entry%%:*}
     column=${entry#*:}
     expected=$(sed -n "s/^# $table: \([0-9]*\) rows\{0,1\}$/\1/p" "$work/dump")
     actual=$(grep -c "^$module\.1\.$column\." "$work/snmpwalk")
     [ "$expected" = "$actual" ] || fail "$state: $table: $expected rows in the dump, $actual in the walk"
+    perTable="$perTable $table $actual rows $(grep -c "^$module\.1\.${column%%.*}\." "$work/snmpwalk") varbinds;"
   done
   kill "$agent"
   wait "$agent"
   agent=
   echo "walk-order.sh: $state: OK, $(grep -c '^\.' "$work/snmpwalk") varbinds;$times"
+  echo "walk-order.sh: $state:$perTable"
 done
