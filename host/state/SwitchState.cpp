@@ -146,7 +146,7 @@ Result<SwitchState> SwitchState::loadText(std::string_view text, const std::stri
   }
   if (!loaded && loaded.error().path) {
     LoadError error = loaded.error();
-    error.line = JsonLineIndex(text).lineOf(JsonPointer(*error.path));
+    error.line = JsonLineIndex(text).lineOf(JsonPointer(detail::present(error.path)));
     return error;
   }
   return loaded;
@@ -260,7 +260,7 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
       return canonicalEntity(*target.holderType, *value, target.path, "", "");
     }
     if (target.isMember()) {
-      return canonicalMember(*attr, *value, target.path, *target.key, target.holderKey);
+      return canonicalMember(*attr, *value, target.path, detail::present(target.key), target.holderKey);
     }
     return canonicalAttr(*attr, *value, target.path, target.holderKey, target.holderOwnerKey);
   }
@@ -268,7 +268,7 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
     throw SchemaError{target.path, "a root cannot be deleted (set it to {} to empty it)"};
   }
   if (target.isMember()) {
-    if (!document_.at(target.attrPath).contains(*target.key)) {
+    if (!document_.at(target.attrPath).contains(detail::present(target.key))) {
       throw SchemaError{target.path, "nothing to delete: no such member"};
     }
     return std::nullopt;
@@ -280,17 +280,17 @@ std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, std::op
   std::optional<Json> old;
   if (target.isMember()) {
     Json& members = document_.at(target.attrPath);
-    if (const auto it = members.find(*target.key); it != members.end()) {
+    if (const auto it = members.find(detail::present(target.key)); it != members.end()) {
       old = std::move(*it);
       members.erase(it);
     }
     if (value) {
-      members[*target.key] = std::move(*value);
+      members[detail::present(target.key)] = std::move(*value);
     }
   } else {
     Json& slot = document_.at(target.path);
     old = std::move(slot);
-    slot = std::move(*value);
+    slot = detail::present(std::move(value));
   }
   return old;
 }
@@ -298,17 +298,20 @@ std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, std::op
 void SwitchState::Impl::applyToEntities(const StateTarget& target, const std::optional<Json>& before) {
   const Json* now = document_.contains(target.path) ? &document_.at(target.path) : nullptr;
   if (target.isRoot()) {
-    store_.update(*store_.at(target.path), *target.holderType, *before, *now, target.path);
+    store_.update(*store_.at(target.path), *target.holderType, detail::present(before), *now, target.path);
     return;
   }
   Kel::Entity& holder = *store_.at(target.holderPath);
   if (!target.isMember()) {
-    store_.updateAttr(holder, *target.attr, *before, *now, target.holderPath, target.attrPath);
+    store_.updateAttr(holder, *target.attr, detail::present(before), *now, target.holderPath,
+                      target.attrPath);
     notifyEnclosingMembers(target.holderPath);
   } else if (now != nullptr) {
-    store_.setMember(holder, *target.attr, *target.key, before ? &*before : nullptr, *now, target.path);
+    store_.setMember(holder, *target.attr, detail::present(target.key), before ? &*before : nullptr, *now,
+                     target.path);
   } else {
-    store_.deleteMember(holder, *target.attr, *target.key, *before, target.path);
+    store_.deleteMember(holder, *target.attr, detail::present(target.key), detail::present(before),
+                        target.path);
   }
 }
 
@@ -319,7 +322,7 @@ void SwitchState::Impl::notifyEnclosingMembers(const JsonPointer& entityPath) {
     const StateTarget enclosing = StateTarget::resolve(Json(path.to_string()), document_);
     if (enclosing.isMember()) {
       if (enclosing.attr->memberChanged != nullptr) {
-        enclosing.attr->memberChanged(*store_.at(enclosing.holderPath), *enclosing.key);
+        enclosing.attr->memberChanged(*store_.at(enclosing.holderPath), detail::present(enclosing.key));
       }
       return;
     }
