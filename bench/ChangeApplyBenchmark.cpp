@@ -11,6 +11,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,21 @@ using QosSnmpBench::SwitchGenerator;
 using QosSnmpBench::SwitchLayout;
 using QosSnmpBench::SwitchParams;
 
+// The parameters of a preset the benchmarks name; aborts for another name.
+SwitchParams presetParams(const std::string& preset) {
+  std::optional<SwitchParams> params = SwitchParams::preset(preset);
+  if (!params) {
+    std::cerr << "ChangeApplyBenchmark: no preset " << preset << '\n';
+    std::abort();
+  }
+  return *params;
+}
+
 // An agent over one preset's generated switch, and the change stream of
 // one kind that runs over it.
 struct Switch {
   // REQUIRES: `preset` is one of SwitchParams::presetNames().
-  Switch(const std::string& preset, ChurnStream::Kind kind) : layout(SwitchParams::preset(preset).value()) {
+  Switch(const std::string& preset, ChurnStream::Kind kind) : layout(presetParams(preset)) {
     std::string error;
     QosSnmp::RootSmFactory* factory =
         QosSnmpHost::PluginLoader::load(QosSnmpHost::PluginLoader::defaultPath(), error);

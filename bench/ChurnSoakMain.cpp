@@ -5,7 +5,9 @@
 //
 //   qos-churn-soak --preset large --changes 1000000
 #include <cstdint>
+#include <exception>
 #include <iostream>
+#include <optional>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -13,7 +15,9 @@
 #include "bench/soak/ChurnSoak.h"
 #include "host/app/PluginLoader.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int runProgram(int argc, char** argv) {
   using namespace QosSnmpBench;
 
   CLI::App app{
@@ -36,7 +40,12 @@ int main(int argc, char** argv) {
     std::cerr << "qos-churn-soak: " << error << '\n';
     return 1;
   }
-  const ChurnSoak soak(*SwitchParams::preset(preset), changes, seed);
+  const std::optional<SwitchParams> params = SwitchParams::preset(preset);
+  if (!params) {
+    std::cerr << "qos-churn-soak: no preset " << preset << '\n';
+    return 2;
+  }
+  const ChurnSoak soak(*params, changes, seed);
   const ChurnSoak::Result result = soak.run(*factory, &std::cerr);
   if (!result.refusal.empty()) {
     std::cout << "refused after " << result.applied << " changes: " << result.refusal << '\n';
@@ -66,4 +75,17 @@ int main(int argc, char** argv) {
     std::cout << "  alive after teardown: " << live << " " << type << '\n';
   }
   return result.unexplained.empty() && result.aliveAfterTeardown.empty() ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "qos-churn-soak: internal error: " << error.what() << '\n';
+  } catch (...) {
+    std::cerr << "qos-churn-soak: internal error: unknown exception\n";
+  }
+  return 1;
 }

@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <string>
 
@@ -14,7 +15,9 @@
 
 #include "bench/scale/ScaleBench.h"
 
-int main(int argc, char** argv) {
+namespace {
+
+int runProgram(int argc, char** argv) {
   using QosSnmpBench::ScaleBench;
   if (argc == 3 && std::string(argv[1]) == "--measure-load") {
     return ScaleBench::measureLoad(argv[2]);
@@ -53,4 +56,17 @@ int main(int argc, char** argv) {
   }
   bench.writeReport(std::cout);
   return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "qos-scale-bench: internal error: " << error.what() << '\n';
+  } catch (...) {
+    std::cerr << "qos-scale-bench: internal error: unknown exception\n";
+  }
+  return 1;
 }

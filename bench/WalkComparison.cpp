@@ -25,9 +25,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -170,6 +172,7 @@ Walk walk(Kel::ActivityManager& loop, const std::string& address, const std::vec
   std::vector<std::string> argv = {"snmpbulkwalk", "-v2c", "-c",  "public", "-t",    "5",
                                    "-r",           "1",    "-On", "-Cr50",  address, subtreeText};
   std::vector<char*> args;
+  args.reserve(argv.size() + 1);
   for (std::string& arg : argv) {
     args.push_back(arg.data());
   }
@@ -225,9 +228,54 @@ struct Totals {
   double varbindsPerSecond() const { return static_cast<double>(varbinds) / wallSeconds; }
 };
 
-}  // namespace
+// The two servers' figures over every walk after the first.
+struct Comparison {
+  Totals ours;
+  Totals plain;
+};
 
-int main(int argc, char** argv) {
+// Registers the plain handler beside our objects, over as many instances
+// as a first walk of ours returns, then walks each subtree `walks` times,
+// interleaved. Nothing when the handler cannot be registered.
+std::optional<Comparison> compareWalks(Kel::ActivityManager& loop, const std::string& address, int walks,
+                                       const std::string& output) {
+  const std::vector<oid> ours(MibView::objectsOid().begin(), MibView::objectsOid().end());
+  const Walk first = walk(loop, address, ours, output);
+
+  std::vector<oid> plainBase(MibView::moduleOid().begin(), MibView::moduleOid().end());
+  plainBase.push_back(99);
+  SortedTable table(plainBase, first.varbinds);
+  netsnmp_handler_registration* registration = netsnmp_create_handler_registration(
+      "qosWalkBenchPlain", &SortedTable::handle, plainBase.data(), plainBase.size(), HANDLER_CAN_RONLY);
+  registration->handler->myvoid = &table;
+  if (netsnmp_register_handler(registration) != MIB_REGISTERED_OK) {
+    std::cerr << "qos-walk-bench: cannot register the plain handler\n";
+    return std::nullopt;
+  }
+
+  Comparison comparison;
+  for (int i = 0; i < walks; ++i) {
+    comparison.ours.add(walk(loop, address, ours, output));
+    comparison.plain.add(walk(loop, address, plainBase, output));
+  }
+  netsnmp_unregister_handler(registration);
+  return comparison;
+}
+
+void printComparison(const Comparison& comparison, int walks) {
+  const Totals& ours = comparison.ours;
+  const Totals& plain = comparison.plain;
+  std::printf("%-28s %12s %16s %16s\n", "server", "varbinds", "CPU us/varbind", "varbinds/s");
+  std::printf("%-28s %12zu %16.3f %16.0f\n", "MIB view (SnmpFrontEnd)", ours.varbinds / walks,
+              ours.cpuPerVarbindUs(), ours.varbindsPerSecond());
+  std::printf("%-28s %12zu %16.3f %16.0f\n", "plain sorted-array handler", plain.varbinds / walks,
+              plain.cpuPerVarbindUs(), plain.varbindsPerSecond());
+  std::printf(
+      "ratios ours/plain: CPU per varbind %.2fx (target <= 1.0x), throughput %.2fx (target >= 1.0x)\n",
+      ours.cpuPerVarbindUs() / plain.cpuPerVarbindUs(), ours.varbindsPerSecond() / plain.varbindsPerSecond());
+}
+
+int runProgram(int argc, char** argv) {
   CLI::App app{"SNMP walk cost of the MIB view against a plain sorted-array handler, in one run"};
   std::string state;
   int walks = 10;
@@ -272,39 +320,26 @@ int main(int argc, char** argv) {
   }
 
   const std::string output = "/tmp/qos-walk-bench." + std::to_string(::getpid()) + ".out";
-  const std::vector<oid> ours(MibView::objectsOid().begin(), MibView::objectsOid().end());
-  const Walk first = walk(loop, address, ours, output);
-
-  std::vector<oid> plainBase(MibView::moduleOid().begin(), MibView::moduleOid().end());
-  plainBase.push_back(99);
-  SortedTable table(plainBase, first.varbinds);
-  netsnmp_handler_registration* registration = netsnmp_create_handler_registration(
-      "qosWalkBenchPlain", &SortedTable::handle, plainBase.data(), plainBase.size(), HANDLER_CAN_RONLY);
-  registration->handler->myvoid = &table;
-  if (netsnmp_register_handler(registration) != MIB_REGISTERED_OK) {
-    std::cerr << "qos-walk-bench: cannot register the plain handler\n";
+  const std::optional<Comparison> comparison = compareWalks(loop, address, walks, output);
+  if (!comparison) {
     return 1;
   }
-
-  Totals oursTotals;
-  Totals theirsTotals;
-  for (int i = 0; i < walks; ++i) {
-    oursTotals.add(walk(loop, address, ours, output));
-    theirsTotals.add(walk(loop, address, plainBase, output));
-  }
-  netsnmp_unregister_handler(registration);
   snmp.stop();
   std::remove(output.c_str());
   host.release();
-
-  std::printf("%-28s %12s %16s %16s\n", "server", "varbinds", "CPU us/varbind", "varbinds/s");
-  std::printf("%-28s %12zu %16.3f %16.0f\n", "MIB view (SnmpFrontEnd)", oursTotals.varbinds / walks,
-              oursTotals.cpuPerVarbindUs(), oursTotals.varbindsPerSecond());
-  std::printf("%-28s %12zu %16.3f %16.0f\n", "plain sorted-array handler", theirsTotals.varbinds / walks,
-              theirsTotals.cpuPerVarbindUs(), theirsTotals.varbindsPerSecond());
-  std::printf(
-      "ratios ours/plain: CPU per varbind %.2fx (target <= 1.0x), throughput %.2fx (target >= 1.0x)\n",
-      oursTotals.cpuPerVarbindUs() / theirsTotals.cpuPerVarbindUs(),
-      oursTotals.varbindsPerSecond() / theirsTotals.varbindsPerSecond());
+  printComparison(*comparison, walks);
   return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return runProgram(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "qos-walk-bench: internal error: " << error.what() << '\n';
+  } catch (...) {
+    std::cerr << "qos-walk-bench: internal error: unknown exception\n";
+  }
+  return 1;
 }

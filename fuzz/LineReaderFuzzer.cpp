@@ -28,7 +28,7 @@
 namespace {
 
 // Bounds the work of one input.
-constexpr std::size_t kMaxInput = 256 * 1024;
+constexpr std::size_t kMaxInput = std::size_t{256} * 1024;
 
 [[noreturn]] void fail(const char* what) {
   std::fprintf(stderr, "LineReaderFuzzer: %s\n", what);
@@ -60,6 +60,28 @@ struct Pipe {
     writeFd = -1;
   }
 };
+
+// Checks what the reader reported for `stream`, line by line (`delivered`:
+// the text, or empty for an overlong line; `overlong`: its length, or 0)
+// against the stream's own lines: a last line without a newline counts, an
+// empty remainder after the last newline does not.
+void checkReported(std::string_view stream, std::size_t cap, const std::vector<std::string>& delivered,
+                   const std::vector<std::size_t>& overlong) {
+  std::vector<std::string_view> expected;
+  for (std::size_t start = 0; start < stream.size();) {
+    const std::size_t end = std::min(stream.find('\n', start), stream.size());
+    expected.push_back(stream.substr(start, end - start));
+    start = end + 1;
+  }
+  if (expected.size() != delivered.size()) {
+    fail("not every line was reported once");
+  }
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    if (expected[i].size() > cap ? overlong[i] != expected[i].size() : delivered[i] != expected[i]) {
+      fail("a line was not reported as the stream has it");
+    }
+  }
+}
 
 }  // namespace
 
@@ -124,21 +146,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fail("the stream does not end when the writer closes");
   }
 
-  // The stream's own lines; a last line without a newline counts, an empty
-  // remainder after the last newline does not.
-  std::vector<std::string_view> expected;
-  for (std::size_t start = 0; start < stream.size();) {
-    const std::size_t end = std::min(stream.find('\n', start), stream.size());
-    expected.push_back(stream.substr(start, end - start));
-    start = end + 1;
-  }
-  if (expected.size() != delivered.size()) {
-    fail("not every line was reported once");
-  }
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    if (expected[i].size() > cap ? overlong[i] != expected[i].size() : delivered[i] != expected[i]) {
-      fail("a line was not reported as the stream has it");
-    }
-  }
+  checkReported(stream, cap, delivered, overlong);
   return 0;
 }

@@ -15,15 +15,15 @@
 namespace {
 
 const QosSnmpHostTest::PopulatedMib& populated() {
-  static const QosSnmpHostTest::PopulatedMib mib(2026, 200);
-  return mib;
+  static const QosSnmpHostTest::PopulatedMib kMib(2026, 200);
+  return kMib;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using QosSnmpHost::SnmpException;
-  static const QosSnmpHost::MibView view(populated().mib());
+  static const QosSnmpHost::MibView kView(populated().mib());
   QosSnmpHost::Oid oid;
   for (std::size_t at = 0; at + 4 <= size && oid.size() < 128; at += 4) {
     std::uint32_t subId = 0;
@@ -35,16 +35,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     oid.insert(oid.begin(), QosSnmpHostTest::kObjects.begin(), QosSnmpHostTest::kObjects.end());
     oid.resize(std::min<std::size_t>(oid.size(), 128));
   }
-  const QosSnmpHost::VarBind got = view.get(oid);
+  const QosSnmpHost::VarBind got = kView.get(oid);
   if (got.oid != oid) {
     std::abort();
   }
-  const QosSnmpHost::VarBind next = view.next(oid);
+  const QosSnmpHost::VarBind next = kView.next(oid);
   if (next.exception == SnmpException::none) {
     if (!(oid < next.oid)) {
       std::abort();
     }
-    const QosSnmpHost::VarBind again = view.get(next.oid);
+    const QosSnmpHost::VarBind again = kView.get(next.oid);
     if (again.exception != SnmpException::none || !(again.value == next.value)) {
       std::abort();
     }

@@ -15,7 +15,7 @@ struct Registry {
 };
 
 Registry& registry() {
-  static Registry* instance = new Registry;  // never destroyed: records outlive static teardown
+  static auto* instance = new Registry;  // never destroyed: records outlive static teardown
   return *instance;
 }
 

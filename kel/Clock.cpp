@@ -53,7 +53,12 @@ void Clock::disarm(NotifieeConst* notifiee) const {
   }
 }
 
-double Clock::nextTimeMin() const { return queue_.empty() ? kNever : queue_.begin()->first.first; }
+double Clock::nextTimeMin() const {
+  if (queue_.empty()) {
+    return kNever;
+  }
+  return queue_.begin()->first.first;
+}
 
 void Clock::advanceTo(double seconds) {
   if (!virtual_) {

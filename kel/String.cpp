@@ -52,6 +52,7 @@ String::String(const String& other) noexcept : rep_(other.rep_) {
 
 String::String(String&& other) noexcept : rep_(other.rep_) { other.rep_ = nullptr; }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): counts the new before releasing the old.
 String& String::operator=(const String& other) noexcept {
   if (other.rep_ != nullptr) {
     countAdd<S32>(other.rep_->references, 1);

@@ -9,7 +9,7 @@ namespace QosSnmp {
 
 namespace {
 
-const std::ios_base::Init streamLibrary;
+const std::ios_base::Init kStreamLibrary;
 
 bool registerModule() {
   Kel::ModuleRegistry& registry = Kel::ModuleRegistry::instance();
@@ -52,9 +52,9 @@ Pellix::IntfId initialDefaultIntfId() {
 }  // namespace
 
 // Dynamic initialisation runs in this order within this file.
-const Kel::String namespacePrefix("ns-");
-const bool moduleRegistered = registerModule();
-const Kel::U32 defaultClassPriority = initialDefaultClassPriority();
-const Pellix::IntfId defaultIntfId = initialDefaultIntfId();
+const Kel::String kNamespacePrefix("ns-");
+const bool kModuleRegistered = registerModule();
+const Kel::U32 kDefaultClassPriority = initialDefaultClassPriority();
+const Pellix::IntfId kDefaultIntfId = initialDefaultIntfId();
 
 }  // namespace QosSnmp

@@ -14,12 +14,12 @@
 namespace QosSnmp {
 
 // Kept for the life of the library; not otherwise used.
-extern const Kel::String namespacePrefix;
+extern const Kel::String kNamespacePrefix;
 // Whether this load registered the module (false: it was registered before).
-extern const bool moduleRegistered;
+extern const bool kModuleRegistered;
 // The priority of every policy map's default class.
-extern const Kel::U32 defaultClassPriority;
+extern const Kel::U32 kDefaultClassPriority;
 // The framework's default interface id: the empty id.
-extern const Pellix::IntfId defaultIntfId;
+extern const Pellix::IntfId kDefaultIntfId;
 
 }  // namespace QosSnmp

@@ -165,7 +165,7 @@ void RootSm::deleteServicePolicyEntries(const Pellix::IntfId& intf) {
 template <typename OnStatus, typename OnConfig>
 void RootSm::forEachServicePolicyOf(const Pellix::IntfId& intf, OnStatus onStatus, OnConfig onConfig) const {
   if (qosStatus_) {
-    const Qos::IntfPairKey pair(intf, defaultIntfId);
+    const Qos::IntfPairKey pair(intf, kDefaultIntfId);
     qosStatus_->servicePolicyStatus().forEachKey([&](const Qos::ServicePolicyKey& key) {
       if (qosStatus_->servicePolicyStatus(key)->intfIds(pair)) {
         onStatus(key);

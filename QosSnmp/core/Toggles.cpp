@@ -5,8 +5,8 @@
 namespace QosSnmp {
 
 bool toggleQosSnmpPolicerStatsTableEnabled() {
-  static const bool enabled = Kel::getToggleState("QosSnmpPolicerStatsTable", "QosSnmp.json", true);
-  return enabled;
+  static const bool kEnabled = Kel::getToggleState("QosSnmpPolicerStatsTable", "QosSnmp.json", true);
+  return kEnabled;
 }
 
 }  // namespace QosSnmp

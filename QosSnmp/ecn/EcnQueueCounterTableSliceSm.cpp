@@ -1,6 +1,7 @@
 #include "QosSnmp/ecn/EcnQueueCounterTableSliceSm.h"
 
 #include <cassert>
+#include <utility>
 
 #include "QosSnmp/core/HandlerTrace.h"
 #include "QosSnmp/core/QosMib.h"
@@ -9,9 +10,9 @@
 namespace QosSnmp {
 
 EcnQueueCounterTableSliceSm::EcnQueueCounterTableSliceSm(
-    const Kel::String& sliceName, const Kel::Ptr<const Qos::SliceHwStatus>& sliceHwStatus,
+    Kel::String sliceName, const Kel::Ptr<const Qos::SliceHwStatus>& sliceHwStatus,
     EcnQueueCounterTableSm* ecnQueueCounterTableSm)
-    : sliceName_(sliceName),
+    : sliceName_(std::move(sliceName)),
       sliceHwStatus_(this, sliceHwStatus),
       ecnQueueCounterTableSm_(ecnQueueCounterTableSm) {
   handleInitialized();

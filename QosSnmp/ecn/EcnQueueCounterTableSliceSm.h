@@ -59,8 +59,7 @@ class EcnQueueCounterTableSliceSm : public Kel::StateMachine {
 
   // REQUIRES: ecnQueueCounterTableSm (the parent) is not null and outlives
   // this machine.
-  EcnQueueCounterTableSliceSm(const Kel::String& sliceName,
-                              const Kel::Ptr<const Qos::SliceHwStatus>& sliceHwStatus,
+  EcnQueueCounterTableSliceSm(Kel::String sliceName, const Kel::Ptr<const Qos::SliceHwStatus>& sliceHwStatus,
                               EcnQueueCounterTableSm* ecnQueueCounterTableSm);
 
   auto arguments() const {

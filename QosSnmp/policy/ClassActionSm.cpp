@@ -135,7 +135,7 @@ void ClassActionSm::handleDefaultClassPriority() {
     }
     return;
   }
-  const PolicyMapClassTableIndex index = policyMapClassTableIndex(defaultClassPriority);
+  const PolicyMapClassTableIndex index = policyMapClassTableIndex(kDefaultClassPriority);
   qosMib_->policyMapClassTableDel(index);
   qosMib_->policyMapClassTableIs(index, policyMapStatus_.entity(), uniqueId(classDefault->name()));
   policyMapClassTableKey_.is(index);

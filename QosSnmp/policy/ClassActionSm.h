@@ -14,7 +14,7 @@
 //   class's actions and, through cmapNameToPrio, the priority showing it.
 // A reactor exists only for a non-null input.
 // Writes: the default class's policyMapClassTable row at priority
-//   defaultClassPriority, noted in policyMapClassTableKey and removed by
+//   kDefaultClassPriority, noted in policyMapClassTableKey and removed by
 //   doClose(). The children write and remove the other rows.
 // Children: policyActionSm (PolicyActionSm, keyed by class-map name; the
 //   default class action's child is keyed by its own name) and classPrioSm

@@ -1,6 +1,7 @@
 #include "QosSnmp/policy/ClassPrioSm.h"
 
 #include <cassert>
+#include <utility>
 
 #include "QosSnmp/core/HandlerTrace.h"
 #include "QosSnmp/core/UniqueId.h"
@@ -8,12 +9,11 @@
 
 namespace QosSnmp {
 
-ClassPrioSm::ClassPrioSm(const Kel::Ptr<const Qos::ClassPriority>& classPrio,
-                         const PolicyMapClassTableIndex& index,
+ClassPrioSm::ClassPrioSm(const Kel::Ptr<const Qos::ClassPriority>& classPrio, PolicyMapClassTableIndex index,
                          const Kel::Ptr<const Qos::PolicyMapStatus>& policyMapStatus,
                          const Kel::Ptr<QosMib>& qosMib, ClassActionSm* parent)
     : classPrio_(this, classPrio),
-      index_(index),
+      index_(std::move(index)),
       policyMapStatus_(policyMapStatus),
       qosMib_(qosMib),
       parent_(parent) {

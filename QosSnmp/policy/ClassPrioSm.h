@@ -48,7 +48,7 @@ class ClassPrioSm : public Kel::StateMachine {
     void on(Qos::ClassPriority::CmapName /*attr*/) { owner().handleCmapName(); }
   };
 
-  ClassPrioSm(const Kel::Ptr<const Qos::ClassPriority>& classPrio, const PolicyMapClassTableIndex& index,
+  ClassPrioSm(const Kel::Ptr<const Qos::ClassPriority>& classPrio, PolicyMapClassTableIndex index,
               const Kel::Ptr<const Qos::PolicyMapStatus>& policyMapStatus, const Kel::Ptr<QosMib>& qosMib,
               ClassActionSm* parent);
 

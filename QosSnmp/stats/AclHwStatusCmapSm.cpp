@@ -1,6 +1,7 @@
 #include "QosSnmp/stats/AclHwStatusCmapSm.h"
 
 #include <cassert>
+#include <utility>
 
 #include "QosSnmp/copp/CoppClassMaps.h"
 #include "QosSnmp/core/HandlerTrace.h"
@@ -8,7 +9,7 @@
 
 namespace QosSnmp {
 
-AclHwStatusCmapSm::AclHwStatusCmapSm(const Qos::PolicyMapHwStatusKey& key,
+AclHwStatusCmapSm::AclHwStatusCmapSm(Qos::PolicyMapHwStatusKey key,
                                      const Kel::Ptr<const Qos::PolicyMapHwStatus>& policyMapHwStatus,
                                      const Kel::Ptr<const QosMibConfig>& qosMibConfig,
                                      const Kel::Ptr<const Qos::HwStatus>& qosHwStatus,
@@ -16,7 +17,7 @@ AclHwStatusCmapSm::AclHwStatusCmapSm(const Qos::PolicyMapHwStatusKey& key,
                                      const Kel::Ptr<const Qos::AclSliceHwStatus>& qosAclSliceHwStatus,
                                      const Kel::Ptr<const Qos::Status>& qosStatus,
                                      const Kel::Ptr<QosMib>& qosMib)
-    : key_(key),
+    : key_(std::move(key)),
       policyMapHwStatus_(this, policyMapHwStatus),
       qosMibConfig_(qosMibConfig),
       qosHwStatus_(qosHwStatus),

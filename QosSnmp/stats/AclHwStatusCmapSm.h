@@ -53,7 +53,7 @@ class AclHwStatusCmapSm : public Kel::StateMachine {
     void on(Qos::PolicyMapHwStatus::Cmap /*attr*/, const Kel::String& name) { owner().handleCmap(name); }
   };
 
-  AclHwStatusCmapSm(const Qos::PolicyMapHwStatusKey& key,
+  AclHwStatusCmapSm(Qos::PolicyMapHwStatusKey key,
                     const Kel::Ptr<const Qos::PolicyMapHwStatus>& policyMapHwStatus,
                     const Kel::Ptr<const QosMibConfig>& qosMibConfig,
                     const Kel::Ptr<const Qos::HwStatus>& qosHwStatus,

@@ -3,6 +3,7 @@
 #include <cassert>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "QosSnmp/copp/CoppClassMaps.h"
 #include "QosSnmp/core/HandlerTrace.h"
@@ -19,13 +20,13 @@ constexpr std::string_view kCoppDefaultClassMapName = "copp-system-default";
 
 }  // namespace
 
-HwStatusCmapSm::HwStatusCmapSm(const Qos::PolicyMapHwStatusKey& key,
+HwStatusCmapSm::HwStatusCmapSm(Qos::PolicyMapHwStatusKey key,
                                const Kel::Ptr<const Qos::PolicyMapHwStatus>& policyMapHwStatus,
                                const Kel::Ptr<const QosMibConfig>& qosMibConfig,
                                const Kel::Ptr<const Qos::HwStatus>& qosHwStatus,
                                const Kel::Ptr<const Qos::SliceHwStatus>& sliceHwStatus,
                                const Kel::Ptr<const Qos::Status>& qosStatus, const Kel::Ptr<QosMib>& qosMib)
-    : key_(key),
+    : key_(std::move(key)),
       policyMapHwStatus_(this, policyMapHwStatus),
       qosMibConfig_(this, qosMibConfig),
       qosHwStatus_(qosHwStatus),

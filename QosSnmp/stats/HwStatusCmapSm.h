@@ -75,7 +75,7 @@ class HwStatusCmapSm : public Kel::StateMachine {
     void on(QosMibConfig::CounterPollPeriod /*attr*/) { owner().handleUpdateInterval(); }
   };
 
-  HwStatusCmapSm(const Qos::PolicyMapHwStatusKey& key,
+  HwStatusCmapSm(Qos::PolicyMapHwStatusKey key,
                  const Kel::Ptr<const Qos::PolicyMapHwStatus>& policyMapHwStatus,
                  const Kel::Ptr<const QosMibConfig>& qosMibConfig,
                  const Kel::Ptr<const Qos::HwStatus>& qosHwStatus,

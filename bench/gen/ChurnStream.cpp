@@ -18,14 +18,14 @@ std::string quoted(const std::string& text) { return '"' + text + '"'; }
 }  // namespace
 
 const std::vector<std::pair<ChurnStream::Kind, std::string>>& ChurnStream::kinds() {
-  static const std::vector<std::pair<Kind, std::string>> all = {{Kind::counters, "counters"},
-                                                                {Kind::matchRule, "match-rule"},
-                                                                {Kind::classAdded, "class-added"},
-                                                                {Kind::servicePolicy, "service-policy"},
-                                                                {Kind::ifIndex, "if-index"},
-                                                                {Kind::pollPeriod, "poll-period"},
-                                                                {Kind::mix, "mix"}};
-  return all;
+  static const std::vector<std::pair<Kind, std::string>> kAll = {{Kind::counters, "counters"},
+                                                                 {Kind::matchRule, "match-rule"},
+                                                                 {Kind::classAdded, "class-added"},
+                                                                 {Kind::servicePolicy, "service-policy"},
+                                                                 {Kind::ifIndex, "if-index"},
+                                                                 {Kind::pollPeriod, "poll-period"},
+                                                                 {Kind::mix, "mix"}};
+  return kAll;
 }
 
 std::optional<ChurnStream::Kind> ChurnStream::kindOf(std::string_view name) {

@@ -330,6 +330,25 @@ void SwitchGenerator::writeHwStatus(Writer& out) const {
 
 void SwitchGenerator::writeSlices(Writer& out) const {
   const SwitchParams& params = layout_.params();
+  out.object("sliceHwStatus");
+  for (std::uint32_t slice = 0; slice < params.slices; ++slice) {
+    const bool watched = slice + 1 == params.slices;
+    out.object(layout_.sliceName(slice));
+    out.object("pmapTypeHwStatus");
+    if (watched) {
+      writeWatchedSlicePolicyMaps(out);
+    }
+    out.close();
+    if (watched) {
+      writeWatchedSliceStaticClassesAndQueues(out);
+    }
+    out.close();
+  }
+  out.close();
+}
+
+void SwitchGenerator::writeWatchedSlicePolicyMaps(Writer& out) const {
+  const SwitchParams& params = layout_.params();
   const auto hardwareClass = [&out](const std::string& name) {
     out.object(name)
         .memberText("programmingStatus", "hwStatusProgrammed")
@@ -339,66 +358,58 @@ void SwitchGenerator::writeSlices(Writer& out) const {
         .member("bandwidth", std::uint64_t{1000})
         .close();
   };
-  out.object("sliceHwStatus");
-  for (std::uint32_t slice = 0; slice < params.slices; ++slice) {
-    const bool watched = slice + 1 == params.slices;
-    out.object(layout_.sliceName(slice));
-    out.object("pmapTypeHwStatus");
-    if (watched) {
-      out.object("mapControlPlane").object("pmap");
-      out.object("directionInput " + SwitchLayout::coppPolicyMapName()).member("pmapKind", std::uint64_t{0});
-      out.object("cmap");
-      for (std::uint32_t index = 0; index < params.coppStaticClasses; ++index) {
-        hardwareClass(SwitchLayout::coppStaticClassMapName(index));
-      }
-      hardwareClass(SwitchLayout::coppDefaultClassMapName());
-      hardwareClass(SwitchLayout::coppDropClassMapName());
-      for (std::uint32_t index = 0; index < params.coppDynamicClasses; ++index) {
-        hardwareClass(layout_.coppDynamicClassMapName(index));
-      }
-      out.close().close();
-      out.close().close();
-    }
-    if (watched && params.qosHardwareStatus) {
-      out.object("mapQos").object("pmap");
-      for (std::uint32_t pmap = 0; pmap < params.policyMaps; ++pmap) {
-        out.object(SwitchLayout::directionName(pmap) + " " + layout_.policyMapName(pmap))
-            .member("pmapKind", std::uint64_t{1});
-        out.object("cmap");
-        for (std::uint32_t cls = 0; cls < params.classesPerPolicyMap; ++cls) {
-          out.object(layout_.classMapName(layout_.classMapOf(pmap, cls)))
-              .memberText("programmingStatus", "hwStatusProgrammed")
-              .close();
-        }
-        out.close().close();
-      }
-      out.close().close();
-    }
-    out.close();
-    if (watched) {
-      out.object("cpStaticClassHwStatus");
-      for (std::uint32_t index = 0; index < params.coppStaticClasses; ++index) {
-        out.object(SwitchLayout::coppStaticTypeName(index))
-            .member("hwRank", std::uint64_t{10 + index})
-            .memberText("programmingStatus", "hwStatusProgrammed")
-            .close();
-      }
-      out.object("cpStaticDefault")
-          .member("hwRank", std::uint64_t{1})
+  out.object("mapControlPlane").object("pmap");
+  out.object("directionInput " + SwitchLayout::coppPolicyMapName()).member("pmapKind", std::uint64_t{0});
+  out.object("cmap");
+  for (std::uint32_t index = 0; index < params.coppStaticClasses; ++index) {
+    hardwareClass(SwitchLayout::coppStaticClassMapName(index));
+  }
+  hardwareClass(SwitchLayout::coppDefaultClassMapName());
+  hardwareClass(SwitchLayout::coppDropClassMapName());
+  for (std::uint32_t index = 0; index < params.coppDynamicClasses; ++index) {
+    hardwareClass(layout_.coppDynamicClassMapName(index));
+  }
+  out.close().close();
+  out.close().close();
+  if (!params.qosHardwareStatus) {
+    return;
+  }
+  out.object("mapQos").object("pmap");
+  for (std::uint32_t pmap = 0; pmap < params.policyMaps; ++pmap) {
+    out.object(SwitchLayout::directionName(pmap) + " " + layout_.policyMapName(pmap))
+        .member("pmapKind", std::uint64_t{1});
+    out.object("cmap");
+    for (std::uint32_t cls = 0; cls < params.classesPerPolicyMap; ++cls) {
+      out.object(layout_.classMapName(layout_.classMapOf(pmap, cls)))
           .memberText("programmingStatus", "hwStatusProgrammed")
           .close();
-      out.object("cpStaticDrop")
-          .member("hwRank", std::uint64_t{0})
-          .memberText("programmingStatus", "hwStatusProgrammed")
-          .close();
-      out.close();
-      out.object("ecnIntfCounterHwStatus");
-      for (std::uint32_t intf = 0; intf < params.ethernetPorts; ++intf) {
-        out.object(layout_.interfaceName(intf)).memberText("programmingStatus", "hwStatusProgrammed").close();
-      }
-      out.close();
     }
-    out.close();
+    out.close().close();
+  }
+  out.close().close();
+}
+
+void SwitchGenerator::writeWatchedSliceStaticClassesAndQueues(Writer& out) const {
+  const SwitchParams& params = layout_.params();
+  out.object("cpStaticClassHwStatus");
+  for (std::uint32_t index = 0; index < params.coppStaticClasses; ++index) {
+    out.object(SwitchLayout::coppStaticTypeName(index))
+        .member("hwRank", std::uint64_t{10 + index})
+        .memberText("programmingStatus", "hwStatusProgrammed")
+        .close();
+  }
+  out.object("cpStaticDefault")
+      .member("hwRank", std::uint64_t{1})
+      .memberText("programmingStatus", "hwStatusProgrammed")
+      .close();
+  out.object("cpStaticDrop")
+      .member("hwRank", std::uint64_t{0})
+      .memberText("programmingStatus", "hwStatusProgrammed")
+      .close();
+  out.close();
+  out.object("ecnIntfCounterHwStatus");
+  for (std::uint32_t intf = 0; intf < params.ethernetPorts; ++intf) {
+    out.object(layout_.interfaceName(intf)).memberText("programmingStatus", "hwStatusProgrammed").close();
   }
   out.close();
 }

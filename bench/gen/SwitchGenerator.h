@@ -43,6 +43,11 @@ class SwitchGenerator {
   void writeCoppPolicyMap(Writer& out) const;
   void writeHwStatus(Writer& out) const;
   void writeSlices(Writer& out) const;
+  // The watched slice's control-plane and (when the parameters say so) QoS
+  // policy maps' hardware status.
+  void writeWatchedSlicePolicyMaps(Writer& out) const;
+  // The watched slice's static control-plane classes and ECN interfaces.
+  void writeWatchedSliceStaticClassesAndQueues(Writer& out) const;
   void writeAclSlices(Writer& out) const;
   void writeInterfaces(Writer& out) const;
   void writeHwCounter(Writer& out) const;

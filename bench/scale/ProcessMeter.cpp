@@ -3,12 +3,12 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 
 namespace QosSnmpBench {
@@ -38,6 +38,7 @@ ProcessMeter::Run ProcessMeter::run(const std::vector<std::string>& argv) {
   }
   ::unlink(path);
   std::vector<char*> args;
+  args.reserve(argv.size() + 1);
   for (const std::string& arg : argv) {
     args.push_back(const_cast<char*>(arg.c_str()));
   }

@@ -208,7 +208,12 @@ bool ScaleBench::measureChanges(const std::string& preset, const std::string& st
   }
   const auto count = options_.changes.count(preset) != 0 ? options_.changes.at(preset) : std::size_t{200};
   result.changesPerKind = count;
-  const SwitchLayout layout(*SwitchParams::preset(preset));
+  const std::optional<SwitchParams> params = SwitchParams::preset(preset);
+  if (!params) {
+    log << "qos-scale-bench: no preset " << preset << '\n';
+    return false;
+  }
+  const SwitchLayout layout(*params);
   for (const auto& [kind, name] : ChurnStream::kinds()) {
     const Kel::VirtualTime time;
     auto state = QosSnmpHost::SwitchState::loadFile(stateFile);

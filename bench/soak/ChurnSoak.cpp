@@ -117,7 +117,7 @@ bool portChannelStatusWithdrawn(const ChurnSoak::Difference& difference, const R
 }
 
 const std::vector<Explanation>& explanationList() {
-  static const std::vector<Explanation> list = {
+  static const std::vector<Explanation> kList = {
       {"service-policy rows kept under an interface's old ifIndex",
        "QosSnmp/core/AllIntfStatusDirSm.h: a present interface with a non-negative index is re-added on "
        "every "
@@ -178,7 +178,7 @@ const std::vector<Explanation>& explanationList() {
          });
        }},
   };
-  return list;
+  return kList;
 }
 
 // Rows per table and entries per map, from MibDump's text (headers left
@@ -224,6 +224,7 @@ void ChurnSoak::compare(const std::string& soaked, const std::string& fresh, con
   }
   std::vector<Difference> differences;
   std::vector<std::string> tables;
+  tables.reserve(rows.soaked.size() + rows.fresh.size());
   for (const auto& [table, lines] : rows.soaked) {
     tables.push_back(table);
   }

@@ -56,7 +56,7 @@ class ChurnSoak {
   };
 
   ChurnSoak(SwitchParams params, std::size_t changes, std::uint64_t seed)
-      : params_(std::move(params)), changes_(changes), seed_(seed) {}
+      : params_(params), changes_(changes), seed_(seed) {}
 
   // Runs the soak with the agent's factory; `progress` (if any) hears every
   // 10% of the changes. Both agents are released and destroyed before it

@@ -211,8 +211,8 @@ int offlineCommand(const CommonOptions& common, const std::string& stateFile, co
   // the command. The agent's own teardown is tested where it matters (the
   // root released leaves nothing alive). Kept reachable, so that leak
   // checkers do not report it.
-  static auto* const keptUntilExit = new std::vector<AgentHost*>();  // never destroyed: stays reachable
-  keptUntilExit->push_back(host.release());
+  static auto* const kKeptUntilExit = new std::vector<AgentHost*>();  // never destroyed: stays reachable
+  kKeptUntilExit->push_back(host.release());
   return kOk;
 }
 

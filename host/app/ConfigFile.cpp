@@ -63,12 +63,19 @@ std::vector<CLI::ConfigItem> ConfigFile::from_config(std::istream& input) const 
     }
     const std::string where = path() + ":" + std::to_string(number) + ": ";
     if (content.front() == '[') {
-      throw CLI::ConfigError(where + "sections are not used; write the keys of one subcommand: " + content);
+      std::string message = where;
+      message.append("sections are not used; write the keys of one subcommand: ").append(content);
+      throw CLI::ConfigError(message);
     }
     const std::string key = trimmed(content.substr(0, content.find(valueDelimiter)));
     if (!isKey(command, key)) {
-      throw CLI::ConfigError(where + "unknown key '" + key + "' (not an option of " + command.get_name() +
-                             ")");
+      std::string message = where;
+      message.append("unknown key '")
+          .append(key)
+          .append("' (not an option of ")
+          .append(command.get_name())
+          .append(")");
+      throw CLI::ConfigError(message);
     }
   }
   std::istringstream again(text);

@@ -19,7 +19,7 @@ int writeFd = -1;
 
 void onSignal(int signal) {
   const int saved = errno;
-  const unsigned char byte = static_cast<unsigned char>(signal);
+  const auto byte = static_cast<unsigned char>(signal);
   [[maybe_unused]] const ssize_t written = ::write(writeFd, &byte, 1);
   errno = saved;
 }

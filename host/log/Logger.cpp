@@ -103,7 +103,7 @@ std::string Logger::line(std::chrono::system_clock::time_point when, LogLevel le
   const auto sinceEpoch = when.time_since_epoch();
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
   const auto millis = std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch - seconds).count();
-  const std::time_t time = static_cast<std::time_t>(seconds.count());
+  const auto time = static_cast<std::time_t>(seconds.count());
   std::tm utc{};
   ::gmtime_r(&time, &utc);
   std::array<char, 40> stamp{};

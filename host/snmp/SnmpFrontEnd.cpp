@@ -199,7 +199,7 @@ void checkOptions(const SnmpFrontEndOptions& options) {
     if (options.sysObjectId.size() > 128) {
       throw std::runtime_error("SNMP: sysObjectID is longer than 128 sub-identifiers");
     }
-    if (options.persistentDir.find_first_of("\n") != std::string::npos) {
+    if (options.persistentDir.find('\n') != std::string::npos) {
       throw std::runtime_error("SNMP: the persistent directory's name must be one line");
     }
   } else if (options.agentxPingIntervalSeconds < 1) {

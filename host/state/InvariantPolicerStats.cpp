@@ -1,6 +1,7 @@
 #include "host/state/InvariantPolicerStats.h"
 
 #include <algorithm>
+#include <ranges>
 #include <tuple>
 #include <utility>
 
@@ -343,8 +344,8 @@ void InvariantPolicerStats::Machines::clear() {
 }
 
 void InvariantPolicerStats::Machines::rollback() {
-  for (auto it = undo_.rbegin(); it != undo_.rend(); ++it) {
-    set(it->first, it->second);
+  for (const auto& [name, machine] : std::views::reverse(undo_)) {
+    set(name, machine);
   }
   undo_.clear();
 }

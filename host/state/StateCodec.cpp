@@ -101,8 +101,8 @@ std::optional<std::string> KeyCodec<Qos::ServicePolicyKey>::canonical(std::strin
 }
 
 Qos::ServicePolicyKey KeyCodec<Qos::ServicePolicyKey>::key(const std::string& canonical) {
-  const auto first = *splitFirst(canonical);
-  const auto second = *splitFirst(first.second);
+  const auto first = detail::present(splitFirst(canonical));
+  const auto second = detail::present(splitFirst(first.second));
   return {detail::enumFromCanonical<Qos::MapType>(first.first),
           detail::enumFromCanonical<Qos::PolicyMapDirection>(second.first), Kel::String(second.second)};
 }
@@ -148,7 +148,7 @@ std::optional<std::string> KeyCodec<Qos::PolicyMapHwStatusKey>::canonical(std::s
 }
 
 Qos::PolicyMapHwStatusKey KeyCodec<Qos::PolicyMapHwStatusKey>::key(const std::string& canonical) {
-  const auto pair = *splitFirst(canonical);
+  const auto pair = detail::present(splitFirst(canonical));
   return {static_cast<Kel::U32>(detail::enumFromCanonical<Qos::PolicyMapDirection>(pair.first)),
           Kel::String(pair.second)};
 }

@@ -15,6 +15,7 @@
 // and key types, so a type is described here once whatever entity uses it.
 #pragma once
 
+#include <cassert>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -24,6 +25,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -42,6 +44,21 @@ namespace QosSnmpHost {
 using Json = nlohmann::json;
 
 namespace detail {
+
+// The value of an optional its caller knows to be set (a text the codec
+// made canonical parses again; a target that is a member has a key). An
+// empty one is a broken invariant and aborts, like every assertion here.
+// Of a temporary, the value itself; else a reference to it.
+template <typename T>
+const T& present(const std::optional<T>& value) {
+  assert(value.has_value());
+  return *value;
+}
+template <typename T>
+T present(std::optional<T>&& value) {
+  assert(value.has_value());
+  return *std::move(value);
+}
 
 // The decimal number `text` (digits only, at least one), if it fits in U64.
 std::optional<std::uint64_t> parseDecimal(std::string_view text);
@@ -135,7 +152,7 @@ E enumFromCanonical(std::string_view canonical) {
       return static_cast<E>(value);
     }
   }
-  return static_cast<E>(*parseDecimal(canonical));
+  return static_cast<E>(present(parseDecimal(canonical)));
 }
 
 }  // namespace detail
@@ -247,7 +264,7 @@ struct ValueCodec<E> {
     return canonical.is_string() ? detail::enumFromCanonical<E>(canonical.get<std::string>())
                                  : static_cast<E>(canonical.get<Kel::U32>());
   }
-  static Json zero() { return *canonical(Json(0U)); }
+  static Json zero() { return detail::present(canonical(Json(0U))); }
 };
 
 template <typename K>
@@ -285,7 +302,9 @@ requires(std::is_integral_v<T>&& std::is_unsigned_v<T>) struct KeyCodec<T> {
     }
     return std::to_string(*number);
   }
-  static T key(const std::string& canonical) { return static_cast<T>(*detail::parseDecimal(canonical)); }
+  static T key(const std::string& canonical) {
+    return static_cast<T>(detail::present(detail::parseDecimal(canonical)));
+  }
 };
 
 template <typename E>

@@ -86,8 +86,8 @@ Attr scalar(std::string name, const Json& defaultValue = nullptr) {
   attr.kind = Attr::Kind::scalar;
   attr.valueExpected = &ValueCodec<T>::expected;
   attr.valueCanonical = &ValueCodec<T>::canonical;
-  attr.defaultValue =
-      defaultValue.is_null() ? ValueCodec<T>::zero() : *ValueCodec<T>::canonical(defaultValue);
+  attr.defaultValue = defaultValue.is_null() ? ValueCodec<T>::zero()
+                                             : detail::present(ValueCodec<T>::canonical(defaultValue));
   attr.setScalar = [](Kel::Entity& holder, const Json& value) {
     (as<E>(holder).*Setter)(ValueCodec<T>::value(value));
   };
@@ -532,6 +532,7 @@ const StateSchema::Root* StateSchema::root(std::string_view name) const {
 
 std::string StateSchema::rootList() const {
   std::vector<std::string> names;
+  names.reserve(roots.size());
   for (const auto& root : roots) {
     names.push_back(root.name);
   }
@@ -554,7 +555,8 @@ std::string canonicalKey(const Attr& attr, std::string_view raw, const JsonPoint
 Json defaultOf(const Attr& attr, const std::string& holderOwnerKey) {
   switch (attr.kind) {
     case Attr::Kind::scalar:
-      return attr.defaultIsOwnerKey ? *attr.valueCanonical(Json(holderOwnerKey)) : attr.defaultValue;
+      return attr.defaultIsOwnerKey ? detail::present(attr.valueCanonical(Json(holderOwnerKey)))
+                                    : attr.defaultValue;
     case Attr::Kind::values:
     case Attr::Kind::entities:
       return Json::object();
@@ -713,53 +715,39 @@ void classMapsIn(const Json& value, const std::vector<std::string>& path, std::s
   }
 }
 
-}  // namespace
-
-void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before) {
-  const std::vector<std::string> path = segmentsOf(changed);
-  if (path.empty() || path[0] != "qosStatus") {
-    return;
-  }
-  const StateSchema& schema = stateSchema();
-  const EntityType& status = *schema.root("qosStatus")->type;
-  const EntityType& policyMapTypeStatus = *status.attr("pmapType")->member;
-  const EntityType& policyMap = *policyMapTypeStatus.attr("pmap")->member;
+// A change at or below /qosStatus/pmapType (`path`): a change inside a
+// policy map is checked over that policy map; one above it, over all it
+// replaced.
+void checkPolicyMapsChange(const Json& document, const std::vector<std::string>& path,
+                           const EntityType& policyMapTypeStatus, const EntityType& policyMap) {
   const JsonPointer root("/qosStatus");
-
-  // References held in the changed value: a change inside a policy map is
-  // checked over that policy map; one above it, over all it replaced.
-  if (path.size() == 1) {
-    checkEntityReferences(document, status, document.at(root), root);
+  // Inside a policy map, only its class default, its default class action
+  // and the class actions that one may name hold or meet a reference.
+  const bool referencing = path.size() < 6 || path[5] == "classDefault" || path[5] == "defaultClassAction" ||
+                           path[5] == "classAction";
+  if (path.size() >= 5 && path[3] == "pmap" && !referencing) {
     return;
   }
-  if (path[1] == "pmapType") {
-    // Inside a policy map, only its class default, its default class action
-    // and the class actions that one may name hold or meet a reference.
-    const bool referencing = path.size() < 6 || path[5] == "classDefault" ||
-                             path[5] == "defaultClassAction" || path[5] == "classAction";
-    if (path.size() >= 5 && path[3] == "pmap" && !referencing) {
-      return;
+  if (path.size() >= 5 && path[3] == "pmap") {
+    const JsonPointer at = root / "pmapType" / path[2] / "pmap" / path[4];
+    if (const Json* value = objectAt(document, at)) {
+      checkEntityReferences(document, policyMap, *value, at);
     }
-    if (path.size() >= 5 && path[3] == "pmap") {
-      const JsonPointer at = root / "pmapType" / path[2] / "pmap" / path[4];
-      if (const Json* value = objectAt(document, at)) {
-        checkEntityReferences(document, policyMap, *value, at);
-      }
-    } else if (const Json* types = objectAt(document, root / "pmapType")) {
-      for (const auto& [mapType, value] : types->items()) {
-        if (path.size() == 2 || path[2] == mapType) {
-          checkEntityReferences(document, policyMapTypeStatus, value, root / "pmapType" / mapType);
-        }
+  } else if (const Json* types = objectAt(document, root / "pmapType")) {
+    for (const auto& [mapType, value] : types->items()) {
+      if (path.size() == 2 || path[2] == mapType) {
+        checkEntityReferences(document, policyMapTypeStatus, value, root / "pmapType" / mapType);
       }
     }
-    return;
   }
+}
 
-  // Class maps the change removed, by map type, and the class defaults of
-  // that map type's policy maps that named one.
-  if (before == nullptr || path[1] != "cmapType") {
-    return;
-  }
+// A change at or below /qosStatus/cmapType (`path`), `before` the value it
+// replaced: the class maps it removed, by map type, and the class defaults
+// of that map type's policy maps that named one.
+void checkClassMapsRemoved(const Json& document, const std::vector<std::string>& path, const Json& before,
+                           const EntityType& policyMap) {
+  const JsonPointer root("/qosStatus");
   const Json* types = objectAt(document, root / "pmapType");
   if (types == nullptr) {
     return;
@@ -772,7 +760,7 @@ void checkReferencesOfChange(const Json& document, const JsonPointer& changed, c
       break;
     }
     std::set<std::string> gone;
-    classMapsIn(*before, path, gone, mapType);
+    classMapsIn(before, path, gone, mapType);
     if (gone.empty() || !typeStatus.contains("pmap")) {
       continue;
     }
@@ -785,6 +773,33 @@ void checkReferencesOfChange(const Json& document, const JsonPointer& changed, c
         checkEntityReferences(document, policyMap, pmap, root / "pmapType" / mapType / "pmap" / pmapName);
       }
     }
+  }
+}
+
+}  // namespace
+
+void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before) {
+  const std::vector<std::string> path = segmentsOf(changed);
+  if (path.empty() || path[0] != "qosStatus") {
+    return;
+  }
+  const StateSchema& schema = stateSchema();
+  const EntityType& status = *schema.root("qosStatus")->type;
+  const EntityType& policyMapTypeStatus = *status.attr("pmapType")->member;
+  const EntityType& policyMap = *policyMapTypeStatus.attr("pmap")->member;
+
+  // References held in the changed value.
+  if (path.size() == 1) {
+    const JsonPointer root("/qosStatus");
+    checkEntityReferences(document, status, document.at(root), root);
+    return;
+  }
+  if (path[1] == "pmapType") {
+    checkPolicyMapsChange(document, path, policyMapTypeStatus, policyMap);
+    return;
+  }
+  if (before != nullptr && path[1] == "cmapType") {
+    checkClassMapsRemoved(document, path, *before, policyMap);
   }
 }
 

@@ -15,6 +15,14 @@
 
 namespace QosSnmpHost {
 
+// A collection member that a change target lies in: its collection, the
+// collection's holder and its key.
+struct EnclosingMember {
+  const Attr* attr = nullptr;
+  JsonPointer holderPath;
+  std::string key;
+};
+
 struct StateTarget {
   // The target's canonical pointer.
   JsonPointer path;
@@ -31,17 +39,9 @@ struct StateTarget {
   JsonPointer attrPath;
   // The member's canonical key, for a member target.
   std::optional<std::string> key;
-  // The nearest collection member that the holding entity is or lies in:
-  // its collection, the collection's holder and its key; nullopt when the
-  // holder is a root or lies in none.
-  struct Enclosing {
-    const Attr* attr = nullptr;
-    JsonPointer holderPath;
-    // holderPath as JSON Pointer text, as the entity store looks it up.
-    std::string holderPathText;
-    std::string key;
-  };
-  std::optional<Enclosing> enclosing;
+  // The nearest collection member that the holding entity is or lies in;
+  // nullopt when the holder is a root or lies in none.
+  std::optional<EnclosingMember> enclosing;
 
   bool isRoot() const { return attr == nullptr; }
   bool isMember() const { return key.has_value(); }

@@ -156,7 +156,7 @@ std::optional<LoadError> SwitchState::Impl::canonicalizeText(std::string_view te
     error = canonicalize(*parsed.value, file, canonical);
   }
   if (error && error->path) {
-    error->line = JsonLineIndex(text).lineOf(JsonPointer(*error->path));
+    error->line = JsonLineIndex(text).lineOf(JsonPointer(detail::present(error->path)));
   }
   return error;
 }
@@ -308,7 +308,7 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
       return canonicalEntity(*target.holderType, *value, target.path, "", "");
     }
     if (target.isMember()) {
-      return canonicalMember(*attr, *value, target.path, *target.key, target.holderKey);
+      return canonicalMember(*attr, *value, target.path, detail::present(target.key), target.holderKey);
     }
     return canonicalAttr(*attr, *value, target.path, target.holderKey, target.holderOwnerKey);
   }
@@ -316,7 +316,7 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
     throw SchemaError{target.path, "a root cannot be deleted (set it to {} to empty it)"};
   }
   if (target.isMember()) {
-    if (!place.contains(*target.key)) {
+    if (!place.contains(detail::present(target.key))) {
       throw SchemaError{target.path, "nothing to delete: no such member"};
     }
     return std::nullopt;
@@ -335,13 +335,13 @@ std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, Json& p
   std::optional<Json> old;
   if (!target.isMember()) {
     old = std::move(place);
-    place = std::move(*value);
+    place = detail::present(std::move(value));
     return old;
   }
-  const auto it = place.find(*target.key);
+  const auto it = place.find(detail::present(target.key));
   if (it == place.end()) {
     if (value) {
-      place.emplace(*target.key, std::move(*value));
+      place.emplace(detail::present(target.key), std::move(*value));
     }
     return old;
   }
@@ -358,21 +358,24 @@ void SwitchState::Impl::applyToEntities(const StateTarget& target, const Json& p
                                         const std::optional<Json>& before) {
   const Json* now = &place;
   if (target.isMember()) {
-    const auto it = place.find(*target.key);
+    const auto it = place.find(detail::present(target.key));
     now = it == place.end() ? nullptr : &*it;
   }
   if (target.isRoot()) {
-    store_.update(*store_.at(target.path), *target.holderType, *before, *now, target.path);
+    store_.update(*store_.at(target.path), *target.holderType, detail::present(before), *now, target.path);
     return;
   }
   Kel::Entity& holder = *store_.at(target.holderPathText);
   if (!target.isMember()) {
-    store_.updateAttr(holder, *target.attr, *before, *now, target.holderPath, target.attrPath);
+    store_.updateAttr(holder, *target.attr, detail::present(before), *now, target.holderPath,
+                      target.attrPath);
     notifyEnclosingMember(target);
   } else if (now != nullptr) {
-    store_.setMember(holder, *target.attr, *target.key, before ? &*before : nullptr, *now, target.path);
+    store_.setMember(holder, *target.attr, detail::present(target.key), before ? &*before : nullptr, *now,
+                     target.path);
   } else {
-    store_.deleteMember(holder, *target.attr, *target.key, *before, target.path);
+    store_.deleteMember(holder, *target.attr, detail::present(target.key), detail::present(before),
+                        target.path);
   }
 }
 

@@ -134,61 +134,87 @@ inline std::string ecnQueueCounterRowText(const auto& row) {
   return queue.str();
 }
 
+// Collects "<table> <index> <row>" texts in the order they are added.
+class RowTexts {
+ public:
+  void add(const std::string& table, const auto& index, const std::string& row) {
+    std::ostringstream out;
+    out << table << ' ' << index << ' ' << row;
+    texts_.push_back(out.str());
+  }
+  void addText(std::string text) { texts_.push_back(std::move(text)); }
+  std::vector<std::string> take() { return std::move(texts_); }
+
+ private:
+  std::vector<std::string> texts_;
+};
+
+// The class-map and policy-map tables' rows, table by table.
+inline void addClassAndPolicyRows(const QosSnmp::QosMib& mib, RowTexts& rows) {
+  for (const auto& [index, row] : mib.classMapTable()) {
+    rows.add("classMapTable", index, rowEntityName(row.classMapStatus));
+  }
+  for (const auto& [index, row] : mib.classMapMatchTable()) {
+    rows.add("classMapMatchTable", index, classMapMatchRowText(row));
+  }
+  for (const auto& [index, row] : mib.policyMapTable()) {
+    rows.add("policyMapTable", index, rowEntityName(row.policyMapStatus));
+  }
+  for (const auto& [index, row] : mib.policyMapClassTable()) {
+    rows.add("policyMapClassTable", index,
+             rowEntityName(row.policyMapStatus) + ' ' + row.cmapName.stringValue());
+  }
+  for (const auto& [index, row] : mib.policyMapActionTable()) {
+    rows.add("policyMapActionTable", index, policyMapActionRowText(row));
+  }
+}
+
+// The statistics, service-policy and ECN tables' rows, table by table.
+inline void addStatsRows(const QosSnmp::QosMib& mib, RowTexts& rows) {
+  for (const auto& [index, row] : mib.qosStatsTable()) {
+    rows.add("qosStatsTable", index, rowEntityName(row.classMapHwStatus) + ' ' + rowEntityName(row.counter));
+  }
+  for (const auto& [index, row] : mib.qosPolicerStatsTable()) {
+    rows.add("qosPolicerStatsTable", index, rowEntityName(row.policerHwStatus));
+  }
+  for (const auto& [index, row] : mib.servicePolicyTable()) {
+    std::ostringstream key;
+    key << row.pmapName << ' ' << row.servicePolicyKey;
+    rows.add("servicePolicyTable", index, key.str());
+  }
+  for (const auto& [chip, row] : mib.ecnCounterTable()) {
+    rows.add("ecnCounterTable", chip, rowEntityName(row.chipCounter) + ' ' + std::to_string(row.flags));
+  }
+  for (const auto& [index, row] : mib.ecnQueueCounterTable()) {
+    rows.add("ecnQueueCounterTable", index, ecnQueueCounterRowText(row));
+  }
+}
+
+// The two maps' entries: "cmapByStaticType <type> <entity>" and
+// "intfIdToifIndex <intf> <ifIndex>".
+inline void addMapEntries(const QosSnmp::QosMib& mib, RowTexts& rows) {
+  for (const auto& [type, cmap] : mib.cmapByStaticType()) {
+    std::ostringstream entry;
+    entry << "cmapByStaticType " << type << ' ' << rowEntityName(cmap);
+    rows.addText(entry.str());
+  }
+  for (const auto& [intf, ifIndex] : mib.intfIdToifIndex()) {
+    std::ostringstream entry;
+    entry << "intfIdToifIndex " << intf << ' ' << ifIndex;
+    rows.addText(entry.str());
+  }
+}
+
 }  // namespace detail
 
 // Every row of the MIB model, table by table in index order, as
 // "<table> <index> <row>" texts; then the two maps.
 inline std::vector<std::string> mibRows(const QosSnmp::QosMib& mib) {
-  using detail::rowEntityName;
-  std::vector<std::string> rows;
-  auto add = [&rows](const std::string& table, const auto& index, const std::string& row) {
-    std::ostringstream out;
-    out << table << ' ' << index << ' ' << row;
-    rows.push_back(out.str());
-  };
-  for (const auto& [index, row] : mib.classMapTable()) {
-    add("classMapTable", index, rowEntityName(row.classMapStatus));
-  }
-  for (const auto& [index, row] : mib.classMapMatchTable()) {
-    add("classMapMatchTable", index, detail::classMapMatchRowText(row));
-  }
-  for (const auto& [index, row] : mib.policyMapTable()) {
-    add("policyMapTable", index, rowEntityName(row.policyMapStatus));
-  }
-  for (const auto& [index, row] : mib.policyMapClassTable()) {
-    add("policyMapClassTable", index, rowEntityName(row.policyMapStatus) + ' ' + row.cmapName.stringValue());
-  }
-  for (const auto& [index, row] : mib.policyMapActionTable()) {
-    add("policyMapActionTable", index, detail::policyMapActionRowText(row));
-  }
-  for (const auto& [index, row] : mib.qosStatsTable()) {
-    add("qosStatsTable", index, rowEntityName(row.classMapHwStatus) + ' ' + rowEntityName(row.counter));
-  }
-  for (const auto& [index, row] : mib.qosPolicerStatsTable()) {
-    add("qosPolicerStatsTable", index, rowEntityName(row.policerHwStatus));
-  }
-  for (const auto& [index, row] : mib.servicePolicyTable()) {
-    std::ostringstream key;
-    key << row.pmapName << ' ' << row.servicePolicyKey;
-    add("servicePolicyTable", index, key.str());
-  }
-  for (const auto& [chip, row] : mib.ecnCounterTable()) {
-    add("ecnCounterTable", chip, rowEntityName(row.chipCounter) + ' ' + std::to_string(row.flags));
-  }
-  for (const auto& [index, row] : mib.ecnQueueCounterTable()) {
-    add("ecnQueueCounterTable", index, detail::ecnQueueCounterRowText(row));
-  }
-  for (const auto& [type, cmap] : mib.cmapByStaticType()) {
-    std::ostringstream entry;
-    entry << "cmapByStaticType " << type << ' ' << rowEntityName(cmap);
-    rows.push_back(entry.str());
-  }
-  for (const auto& [intf, ifIndex] : mib.intfIdToifIndex()) {
-    std::ostringstream entry;
-    entry << "intfIdToifIndex " << intf << ' ' << ifIndex;
-    rows.push_back(entry.str());
-  }
-  return rows;
+  detail::RowTexts rows;
+  detail::addClassAndPolicyRows(mib, rows);
+  detail::addStatsRows(mib, rows);
+  detail::addMapEntries(mib, rows);
+  return rows.take();
 }
 
 // Captures the agent's trace lines at every level while it lives, as

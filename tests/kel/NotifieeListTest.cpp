@@ -118,6 +118,7 @@ TEST_F(NotifieeListTest, NestedChangeIsDeliveredInsideTheOuterVisit) {
 
 TEST_F(NotifieeListTest, ManyRemovalsKeepTheListConsistent) {
   std::vector<Kel::Ptr<Hook>> hooks;
+  hooks.reserve(1000);
   for (int i = 0; i < 1000; ++i) {
     hooks.push_back(hook(std::to_string(i)));
   }

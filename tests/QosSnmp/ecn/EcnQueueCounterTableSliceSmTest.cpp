@@ -268,17 +268,18 @@ TEST_F(EcnQueueCounterTableSliceSmTest, HandlersWriteTheirSignaturesToTheRingBuf
   parent->sliceSmDel("Linecard3");
   const auto slice = Kel::make<QosSnmp::EcnQueueCounterTableSliceSm>(
       Kel::String("Linecard3"), Kel::Ptr<const Qos::SliceHwStatus>(linecard3), parent.get());
-  EXPECT_EQ(ring.entries(),
-            (Texts{
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
-                "Ethernet1",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::doClose() []",
-                "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 0",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleInitialized() []",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus() []",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
-                "Ethernet1",
-            }));
+  EXPECT_EQ(
+      ring.entries(),
+      (Texts{
+          ("void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
+           "Ethernet1"),
+          "void QosSnmp::EcnQueueCounterTableSliceSm::doClose() []",
+          "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 0",
+          "void QosSnmp::EcnQueueCounterTableSliceSm::handleInitialized() []",
+          "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus() []",
+          ("void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
+           "Ethernet1"),
+      }));
 }
 
 TEST(EcnQueueCounterTableSliceSmDeathTest, SecondInitializationAborts) {

@@ -413,21 +413,22 @@ TEST_F(EcnQueueCounterTableSmTest, HandlersWriteTheirSignaturesToTheRingBuffer) 
   const auto sm = makeSm();
   sm->deleteIntfIndex(intfId("Ethernet1"), 1);
   sm->close();
-  EXPECT_EQ(ring.entries(),
-            (Texts{
-                "void QosSnmp::EcnQueueCounterTableSm::handleInitialized() []",
-                "void QosSnmp::EcnQueueCounterTableSm::handleSlice() []",
-                "void QosSnmp::EcnQueueCounterTableSm::handleSlice(Kel::String) [p] Linecard3",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleInitialized() []",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus() []",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
-                "Ethernet1",
-                "void QosSnmp::EcnQueueCounterTableSm::addIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
-                "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
-                "void QosSnmp::EcnQueueCounterTableSm::doClose() []",
-                "void QosSnmp::EcnQueueCounterTableSliceSm::doClose() []",
-                "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
-            }));
+  EXPECT_EQ(
+      ring.entries(),
+      (Texts{
+          "void QosSnmp::EcnQueueCounterTableSm::handleInitialized() []",
+          "void QosSnmp::EcnQueueCounterTableSm::handleSlice() []",
+          "void QosSnmp::EcnQueueCounterTableSm::handleSlice(Kel::String) [p] Linecard3",
+          "void QosSnmp::EcnQueueCounterTableSliceSm::handleInitialized() []",
+          "void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus() []",
+          ("void QosSnmp::EcnQueueCounterTableSliceSm::handleEcnIntfCounterHwStatus(Pellix::IntfId) [p] "
+           "Ethernet1"),
+          "void QosSnmp::EcnQueueCounterTableSm::addIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
+          "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
+          "void QosSnmp::EcnQueueCounterTableSm::doClose() []",
+          "void QosSnmp::EcnQueueCounterTableSliceSm::doClose() []",
+          "void QosSnmp::EcnQueueCounterTableSm::deleteIntfIndex(Pellix::IntfId, S32) [pi] Ethernet1 1",
+      }));
 }
 
 TEST(EcnQueueCounterTableSmDeathTest, SecondInitializationAborts) {

@@ -90,8 +90,8 @@ TEST_F(ClassActionSmTest, InitialScanRunsTheDefaultClassThenClassesThenPrioritie
 TEST_F(ClassActionSmTest, DefaultClassRowSitsAtTheDefaultClassPriority) {
   giveDefaultClass();
   const auto sm = makeSm();
-  EXPECT_EQ(QosSnmp::defaultClassPriority, 3072U);
-  const QosSnmp::PolicyMapClassTableIndex index("pm1", Qos::mapQos_, QosSnmp::defaultClassPriority);
+  EXPECT_EQ(QosSnmp::kDefaultClassPriority, 3072U);
+  const QosSnmp::PolicyMapClassTableIndex index("pm1", Qos::mapQos_, QosSnmp::kDefaultClassPriority);
   const QosSnmp::PolicyMapClassTableRow* row = switch_.qosMib->policyMapClassTable(index);
   ASSERT_NE(row, nullptr);
   EXPECT_EQ(row->policyMapStatus, pmap_);

@@ -69,8 +69,8 @@ const Texts kAllRows{
     "classMapMatchTable (cm-voice, 1, 2) cm-voice matchDscp",
     "classMapMatchTable (cp-mgmt-ssh, 0, 1) cp-mgmt-ssh matchIpAccessGroup",
     "classMapMatchTable (cm-scavenger, 1, 1) cm-scavenger matchDscp",
-    "classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
-    "matchMacAccessGroup",
+    ("classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
+     "matchMacAccessGroup"),
     // Policy maps.
     "policyMapTable (pm-edge-in, 1) pm-edge-in",
     "policyMapTable (copp-system-policy, 0) copp-system-policy",
@@ -85,24 +85,24 @@ const Texts kAllRows{
     "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
     "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
     "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-    "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
-    "cm-scavenger",
-    "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
-    "cm-video",
+    ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
+     "cm-scavenger"),
+    ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
+     "cm-video"),
     // Actions: one per action of each class of a QoS policy map, the default
     // class's included; the control-plane policy gets none.
     "policyMapActionTable (pm-edge-in, 1, cm-video, 3) cm-video actionSetDscp - hw FixedSystem",
     "policyMapActionTable (pm-edge-in, 1, cm-video, 6) cm-video actionPolice - hw FixedSystem",
     "policyMapActionTable (pm-edge-in, 1, cm-voice, 3) cm-voice actionSetDscp - hw FixedSystem",
     "policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw FixedSystem",
-    "policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
-    "cm-management-traffic-low-latency "
-    "actionSetCos - hw FixedSystem",
-    "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - hw "
-    "FixedSystem",
-    "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
-    "actionSetBandwidth - "
-    "hw FixedSystem",
+    ("policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
+     "cm-management-traffic-low-latency "
+     "actionSetCos - hw FixedSystem"),
+    ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - hw "
+     "FixedSystem"),
+    ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
+     "actionSetBandwidth - "
+     "hw FixedSystem"),
     // The static control-plane class maps by static type (not the drop
     // class, which gets no match machine).
     "cmapByStaticType cpStaticLacp copp-system-lacp",
@@ -274,8 +274,8 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "classMapMatchTable (cm-voice, 1, 2) cm-voice matchDscp",
           "classMapMatchTable (cp-mgmt-ssh, 0, 1) cp-mgmt-ssh matchIpAccessGroup",
           "classMapMatchTable (cm-scavenger, 1, 1) cm-scavenger matchDscp",
-          "classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
-          "matchMacAccessGroup",
+          ("classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
+           "matchMacAccessGroup"),
           "policyMapTable (pm-edge-in, 1) pm-edge-in",
           "policyMapTable (copp-system-policy, 0) copp-system-policy",
           "policyMapTable (pm-datacenter-uplinks-6f906ada, 1) pm-datacenter-uplinks-egress-shaping",
@@ -287,22 +287,22 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
           "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
           "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
-          "cm-scavenger",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
-          "cm-video",
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
+           "cm-scavenger"),
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
+           "cm-video"),
           "policyMapActionTable (pm-edge-in, 1, cm-video, 3) cm-video actionSetDscp - hw FixedSystem",
           "policyMapActionTable (pm-edge-in, 1, cm-video, 6) cm-video actionPolice - hw FixedSystem",
           "policyMapActionTable (pm-edge-in, 1, cm-voice, 3) cm-voice actionSetDscp - hw FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
-          "FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
-          "cm-management-traffic-low-latency actionSetCos - hw FixedSystem",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
-          "hw "
-          "FixedSystem",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
-          "actionSetBandwidth - hw FixedSystem",
+          ("policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
+           "FixedSystem"),
+          ("policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
+           "cm-management-traffic-low-latency actionSetCos - hw FixedSystem"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
+           "hw "
+           "FixedSystem"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
+           "actionSetBandwidth - hw FixedSystem"),
           "cmapByStaticType cpStaticLacp copp-system-lacp",
           "cmapByStaticType cpStaticBgp copp-system-bgp",
           "intfIdToifIndex Ethernet1 1",
@@ -330,8 +330,8 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "classMapMatchTable (cm-voice, 1, 2) cm-voice matchDscp",
           "classMapMatchTable (cp-mgmt-ssh, 0, 1) cp-mgmt-ssh matchIpAccessGroup",
           "classMapMatchTable (cm-scavenger, 1, 1) cm-scavenger matchDscp",
-          "classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
-          "matchMacAccessGroup",
+          ("classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
+           "matchMacAccessGroup"),
           "policyMapTable (pm-edge-in, 1) pm-edge-in",
           "policyMapTable (copp-system-policy, 0) copp-system-policy",
           "policyMapTable (pm-datacenter-uplinks-6f906ada, 1) pm-datacenter-uplinks-egress-shaping",
@@ -342,20 +342,20 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
           "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
           "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
-          "cm-scavenger",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
-          "cm-video",
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) pm-datacenter-uplinks-egress-shaping "
+           "cm-scavenger"),
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
+           "cm-video"),
           "policyMapActionTable (pm-edge-in, 1, cm-voice, 3) cm-voice actionSetDscp - hw FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
-          "FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
-          "cm-management-traffic-low-latency actionSetCos - hw FixedSystem",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
-          "hw "
-          "FixedSystem",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
-          "actionSetBandwidth - hw FixedSystem",
+          ("policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
+           "FixedSystem"),
+          ("policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
+           "cm-management-traffic-low-latency actionSetCos - hw FixedSystem"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
+           "hw "
+           "FixedSystem"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
+           "actionSetBandwidth - hw FixedSystem"),
           "cmapByStaticType cpStaticLacp copp-system-lacp",
           "cmapByStaticType cpStaticBgp copp-system-bgp",
           "intfIdToifIndex Ethernet1 1",
@@ -380,8 +380,8 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "classMapMatchTable (cm-voice, 1, 1) cm-voice matchIpAccessGroup",
           "classMapMatchTable (cm-voice, 1, 2) cm-voice matchDscp",
           "classMapMatchTable (cp-mgmt-ssh, 0, 1) cp-mgmt-ssh matchIpAccessGroup",
-          "classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
-          "matchMacAccessGroup",
+          ("classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
+           "matchMacAccessGroup"),
           "policyMapTable (pm-edge-in, 1) pm-edge-in",
           "policyMapTable (copp-system-policy, 0) copp-system-policy",
           "policyMapTable (pm-datacenter-uplinks-6f906ada, 1) pm-datacenter-uplinks-egress-shaping",
@@ -392,16 +392,16 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
           "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
           "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
-          "cm-video",
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
+           "cm-video"),
           "policyMapActionTable (pm-edge-in, 1, cm-voice, 3) cm-voice actionSetDscp - hw FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
-          "FixedSystem",
-          "policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
-          "cm-management-traffic-low-latency actionSetCos - hw FixedSystem",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
-          "hw "
-          "FixedSystem",
+          ("policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
+           "FixedSystem"),
+          ("policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
+           "cm-management-traffic-low-latency actionSetCos - hw FixedSystem"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
+           "hw "
+           "FixedSystem"),
           "cmapByStaticType cpStaticLacp copp-system-lacp",
           "cmapByStaticType cpStaticBgp copp-system-bgp",
           "intfIdToifIndex Ethernet1 1",
@@ -426,19 +426,19 @@ TEST_F(PolicyConfigurationEndToEndTest, ChangesFollowTheConfiguration) {
           "classMapMatchTable (cm-voice, 1, 1) cm-voice matchIpAccessGroup",
           "classMapMatchTable (cm-voice, 1, 2) cm-voice matchDscp",
           "classMapMatchTable (cp-mgmt-ssh, 0, 1) cp-mgmt-ssh matchIpAccessGroup",
-          "classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
-          "matchMacAccessGroup",
+          ("classMapMatchTable (cm-management-traffic-bb45b73b, 1, 1) cm-management-traffic-low-latency "
+           "matchMacAccessGroup"),
           "policyMapTable (copp-system-policy, 0) copp-system-policy",
           "policyMapTable (pm-datacenter-uplinks-6f906ada, 1) pm-datacenter-uplinks-egress-shaping",
           "policyMapClassTable (copp-system-policy, 0, 1) copp-system-policy cp-mgmt-ssh",
           "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
           "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
           "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-          "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
-          "cm-video",
-          "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
-          "hw "
-          "FixedSystem",
+          ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) pm-datacenter-uplinks-egress-shaping "
+           "cm-video"),
+          ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video actionSetShape - "
+           "hw "
+           "FixedSystem"),
           "cmapByStaticType cpStaticLacp copp-system-lacp",
           "cmapByStaticType cpStaticBgp copp-system-bgp",
           "intfIdToifIndex Ethernet1 1",
@@ -470,21 +470,21 @@ TEST_F(PolicyConfigurationEndToEndTest, EachMachineRemovesExactlyTheRowsItAdded)
                 "policyMapClassTable (copp-system-policy, 0, 6136) copp-system-policy copp-system-bgp",
                 "policyMapClassTable (copp-system-policy, 0, 6143) copp-system-policy copp-system-lacp",
                 "policyMapClassTable (copp-system-policy, 0, 6146) copp-system-policy copp-system-default",
-                "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) "
-                "pm-datacenter-uplinks-egress-shaping cm-scavenger",
-                "policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) "
-                "pm-datacenter-uplinks-egress-shaping cm-video",
+                ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 1) "
+                 "pm-datacenter-uplinks-egress-shaping cm-scavenger"),
+                ("policyMapClassTable (pm-datacenter-uplinks-6f906ada, 1, 2) "
+                 "pm-datacenter-uplinks-egress-shaping cm-video"),
                 "policyMapActionTable (pm-edge-in, 1, cm-video, 3) cm-video actionSetDscp - hw FixedSystem",
                 "policyMapActionTable (pm-edge-in, 1, cm-video, 6) cm-video actionPolice - hw FixedSystem",
                 "policyMapActionTable (pm-edge-in, 1, cm-voice, 3) cm-voice actionSetDscp - hw FixedSystem",
-                "policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
-                "FixedSystem",
-                "policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
-                "cm-management-traffic-low-latency actionSetCos - hw FixedSystem",
-                "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video "
-                "actionSetShape - hw FixedSystem",
-                "policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
-                "actionSetBandwidth - hw FixedSystem",
+                ("policyMapActionTable (pm-edge-in, 1, class-default, 6) class-default actionPolice - hw "
+                 "FixedSystem"),
+                ("policyMapActionTable (pm-edge-in, 1, cm-management-traffic-bb45b73b, 2) "
+                 "cm-management-traffic-low-latency actionSetCos - hw FixedSystem"),
+                ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-video, 0) cm-video "
+                 "actionSetShape - hw FixedSystem"),
+                ("policyMapActionTable (pm-datacenter-uplinks-6f906ada, 1, cm-scavenger, 1) cm-scavenger "
+                 "actionSetBandwidth - hw FixedSystem"),
                 "cmapByStaticType cpStaticLacp copp-system-lacp",
                 "cmapByStaticType cpStaticBgp copp-system-bgp",
                 "intfIdToifIndex Ethernet1 1",

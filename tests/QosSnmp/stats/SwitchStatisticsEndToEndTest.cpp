@@ -75,10 +75,10 @@ const Texts kActionRows{
     "policyMapActionTable (policy-out, 1, class-voice, 2) class-voice actionSetCos - hw FixedSystem",
     "policyMapActionTable (copp-system-policy, 0, copp-system-bgp, 0) - - copp-system-bgp hw FixedSystem",
     "policyMapActionTable (copp-system-policy, 0, copp-system-bgp, 1) - - copp-system-bgp hw FixedSystem",
-    "policyMapActionTable (copp-system-policy, 0, copp-system-default, 0) - - copp-system-default hw "
-    "FixedSystem",
-    "policyMapActionTable (copp-system-policy, 0, copp-system-default, 1) - - copp-system-default hw "
-    "FixedSystem",
+    ("policyMapActionTable (copp-system-policy, 0, copp-system-default, 0) - - copp-system-default hw "
+     "FixedSystem"),
+    ("policyMapActionTable (copp-system-policy, 0, copp-system-default, 1) - - copp-system-default hw "
+     "FixedSystem"),
 };
 
 // Statistics rows: from the QoS status counters (qualifier 0, no hardware
@@ -310,8 +310,8 @@ TEST_F(SwitchStatisticsEndToEndTest, InterfaceLosingItsIndexLosesItsServicePolic
   EXPECT_EQ(rows(kServicePolicyTable),
             (Texts{
                 "servicePolicyTable (2, 1) policy-in mapQos/directionInput/policy-in",
-                "servicePolicyTable (1000010, 2) policy-lag "
-                "mapQos/directionOutput/policy-lag",
+                ("servicePolicyTable (1000010, 2) policy-lag "
+                 "mapQos/directionOutput/policy-lag"),
             }));
 
   switch_.allIntfStatusDir->intfStatusDel(intfId("Port-Channel10"));

@@ -34,7 +34,7 @@ class ChangeFeedTest : public ::testing::Test {
   // A feed whose applier records each line and moves the virtual clock by
   // `costSeconds`, as applying a change takes time. A line "advance N" is an
   // advance of N seconds; a line "bad" is refused.
-  void makeFeed(double costSeconds, ChangeFeedOptions options = {}) {
+  void makeFeed(double costSeconds, const ChangeFeedOptions& options = {}) {
     feed_ = std::make_unique<ChangeFeed>(
         loop_,
         [this, costSeconds](std::string_view line, const Source& where) -> Result<Change> {

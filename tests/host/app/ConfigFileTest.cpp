@@ -33,7 +33,7 @@ class ConfigFileTest : public ::testing::Test {
 
   std::string write(const std::string& text) {
     std::filesystem::create_directories(dir_);
-    const std::string path = (dir_ / "agent.conf").string();
+    std::string path = (dir_ / "agent.conf").string();
     std::ofstream(path) << text;
     return path;
   }

@@ -138,7 +138,8 @@ TEST_F(LineReaderTest, AReadStopsAfterItsByteBudgetAndTheRestWaitsForTheNext) {
   Read read;
   ASSERT_TRUE(reader.readAvailable(
       [&](std::string_view line, std::size_t number) { read.lines.emplace_back(number, std::string(line)); },
-      [&](std::size_t number, std::size_t bytes) { read.overlong.emplace_back(number, bytes); }, 16 * 1024));
+      [&](std::size_t number, std::size_t bytes) { read.overlong.emplace_back(number, bytes); },
+      std::size_t{16} * 1024));
   EXPECT_GT(read.lines.size(), 0U);
   EXPECT_LT(read.lines.size(), kLines);
   EXPECT_FALSE(reader.ended());

@@ -20,6 +20,7 @@ struct Document {
   std::string expected;
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest finds a value printer by the name PrintTo.
 void PrintTo(const Document& d, std::ostream* out) { *out << d.name; }
 
 std::string repeated(const std::string& text, int times) {
@@ -82,7 +83,7 @@ std::vector<Document> documents() {
        "s.json:2: /hw\\nStatus: unknown root \"hw\\nStatus\" (expected \"qosConfig\", \"qosStatus\", "
        "\"hwStatus\", \"sliceHwStatus\", \"aclSliceHwStatus\", \"mibConfig\", \"intfStatus\", \"hwCounter\" "
        "or \"ecnCounterTable\")"},
-      {"KeyOf64KiB", "{" + kCopp + ", \"hwStatus\": {\"" + std::string(65536, 'k') + "\": true}}",
+      {"KeyOf64KiB", "{" + kCopp + R"(, "hwStatus": {")" + std::string(65536, 'k') + "\": true}}",
        "s.json:1: /hwStatus/" + std::string(246, 'k') + "...: unknown attribute \"" +
            std::string(1024 - 19, 'k') + "..."},
       {"NoControlPlanePolicyMap", kNoCoppPolicy,

@@ -25,6 +25,7 @@ struct RefusedInputCase {
 };
 
 // Names the case in test output.
+// NOLINTNEXTLINE(readability-identifier-naming): GoogleTest finds a value printer by the name PrintTo.
 inline void PrintTo(const RefusedInputCase& c, std::ostream* out) { *out << c.name; }
 
 inline std::string set(const std::string& path, const std::string& value) {

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -76,7 +78,15 @@ inline Oid instance(std::uint32_t table, std::uint32_t column, const Oid& index)
   return oid;
 }
 
-inline Oid nameOid(std::string_view s) { return *name(s); }
+// The OID of a name the MIB knows; throws std::invalid_argument for any
+// other name.
+inline Oid nameOid(std::string_view s) {
+  std::optional<Oid> oid = name(s);
+  if (!oid) {
+    throw std::invalid_argument("not a name of the MIB: " + std::string(s));
+  }
+  return *oid;
+}
 
 inline Oid cat(std::initializer_list<Oid> parts) {
   Oid out;

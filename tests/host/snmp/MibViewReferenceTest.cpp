@@ -129,7 +129,7 @@ class ProbeMaker {
 
   Oid truncated() {
     const Oid& whole = anyInstance();
-    return Oid(whole.begin(), whole.begin() + pick(static_cast<std::uint32_t>(whole.size())) + 1);
+    return {whole.begin(), whole.begin() + pick(static_cast<std::uint32_t>(whole.size())) + 1};
   }
 
   // Anywhere in or around the module.

@@ -225,6 +225,7 @@ TEST_F(MibViewTest, WalkFromModuleRootVisitsEveryInstanceInIncreasingOidOrderThe
   const std::vector<VarBind> walked =
       walk(view_, Oid(MibView::moduleOid().begin(), MibView::moduleOid().end()));
   std::vector<Oid> oids;
+  oids.reserve(walked.size());
   for (const VarBind& vb : walked) {
     oids.push_back(vb.oid);
   }

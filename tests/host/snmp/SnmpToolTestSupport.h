@@ -191,6 +191,7 @@ class ChildProcess {
       variables[text.substr(0, text.find('='))] = text;
     }
     std::vector<std::string> texts;
+    texts.reserve(variables.size());
     for (const auto& [name, text] : variables) {
       texts.push_back(text);
     }
@@ -198,6 +199,7 @@ class ChildProcess {
   }
   static std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
+    pointers.reserve(texts.size() + 1);
     for (const std::string& text : texts) {
       pointers.push_back(const_cast<char*>(text.c_str()));
     }
