@@ -12,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "bench/GuardedMain.h"
 #include "bench/soak/ChurnSoak.h"
 #include "host/app/PluginLoader.h"
 
@@ -79,13 +80,4 @@ int runProgram(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  try {
-    return runProgram(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "qos-churn-soak: internal error: " << error.what() << '\n';
-  } catch (...) {
-    std::cerr << "qos-churn-soak: internal error: unknown exception\n";
-  }
-  return 1;
-}
+int main(int argc, char** argv) { return Bench::guardedMain("qos-churn-soak", runProgram, argc, argv); }

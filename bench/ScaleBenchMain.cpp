@@ -13,6 +13,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "bench/GuardedMain.h"
 #include "bench/scale/ScaleBench.h"
 
 namespace {
@@ -60,13 +61,4 @@ int runProgram(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  try {
-    return runProgram(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "qos-scale-bench: internal error: " << error.what() << '\n';
-  } catch (...) {
-    std::cerr << "qos-scale-bench: internal error: unknown exception\n";
-  }
-  return 1;
-}
+int main(int argc, char** argv) { return Bench::guardedMain("qos-scale-bench", runProgram, argc, argv); }

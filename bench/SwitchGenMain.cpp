@@ -13,6 +13,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "bench/GuardedMain.h"
 #include "bench/gen/ChurnStream.h"
 #include "bench/gen/SwitchGenerator.h"
 #include "bench/gen/SwitchLayout.h"
@@ -180,13 +181,4 @@ int runProgram(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  try {
-    return runProgram(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "qos-switch-gen: internal error: " << error.what() << '\n';
-  } catch (...) {
-    std::cerr << "qos-switch-gen: internal error: unknown exception\n";
-  }
-  return 1;
-}
+int main(int argc, char** argv) { return Bench::guardedMain("qos-switch-gen", runProgram, argc, argv); }

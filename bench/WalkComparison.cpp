@@ -39,6 +39,7 @@
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
+#include "bench/GuardedMain.h"
 #include "host/app/AgentHost.h"
 #include "host/app/PluginLoader.h"
 #include "host/snmp/MibView.h"
@@ -333,13 +334,4 @@ int runProgram(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  try {
-    return runProgram(argc, argv);
-  } catch (const std::exception& error) {
-    std::cerr << "qos-walk-bench: internal error: " << error.what() << '\n';
-  } catch (...) {
-    std::cerr << "qos-walk-bench: internal error: unknown exception\n";
-  }
-  return 1;
-}
+int main(int argc, char** argv) { return Bench::guardedMain("qos-walk-bench", runProgram, argc, argv); }
