@@ -80,6 +80,43 @@ TEST(InvariantGuardTest, APublisherOrderingItsChangesRightIsNeverRefused) {
   }
 }
 
+TEST(InvariantGuardTest, ChangesWhereNoRuleReadsPassAndLeaveItsLaterDecisionsAsTheyWere) {
+  // Counter values, match rules, service policies, interfaces: the guard
+  // lets them through without its rules.
+  const std::vector<std::string> unread = {
+      set(kCoppPmap + "/cmapCounters/copp-acl/packets", 99),
+      set("/qosStatus/cmapType/mapControlPlane/cmap/copp-acl/match/matchIpAccessGroup",
+          {{"value", "acl-ssh"}}),
+      set("/qosStatus/servicePolicyStatus/mapQos directionInput pm1", {{"intfIds", {{"Ethernet1", true}}}}),
+      set("/intfStatus/Ethernet1", {{"snmpIfIndex", 1}}),
+  };
+  // Changes the rules judge, each refused or not: the same answer with and
+  // without the changes above before them.
+  const std::vector<std::string> judged = {
+      set(kPm1 + "/cmapCounters/copp-acl", {{"packets", 1}}),
+      del(kCoppPmap + "/cmapCounters/copp-acl"),
+      set("/sliceHwStatus/slice0/pmapTypeHwStatus/mapControlPlane/pmap/directionInput "
+          "copp-system-policy/cmap/c1",
+          Json::object()),
+      set("/qosStatus/cmapType/mapControlPlane/cmap/copp-acl", {{"cpType", "classMapCpStatic"}}),
+      del(kCoppPmap),
+  };
+  int refused = 0;
+  for (const std::string& probe : judged) {
+    AgentOverSwitch plain(guardedSwitch());
+    AgentOverSwitch busy(guardedSwitch());
+    for (const std::string& line : unread) {
+      ASSERT_EQ(busy.change(line), "") << line;
+    }
+    const std::string answer = plain.change(probe);
+    EXPECT_EQ(busy.change(probe), answer) << probe;
+    refused += !answer.empty() && answer.rfind("changes.jsonl:", 0) != 0 ? 1 : 0;
+  }
+  // The probes mean something: the rules refuse all but the class map
+  // turning static.
+  EXPECT_EQ(refused, 4);
+}
+
 // A publisher that makes random changes, right or wrong, to the few names
 // that matter: class maps of both map types with random kinds and static
 // types, policy maps with random classes, defaults and counters, slices with
