@@ -38,7 +38,9 @@ bool startsWith(const Path& path, const Path& prefix) {
 }  // namespace
 
 InvariantView::InvariantView(const StateTransition& transition)
-    : transition_(transition), path_(segmentsOf(transition.path)) {}
+    : transition_(transition),
+      ownPath_(transition.segments == nullptr ? segmentsOf(transition.path) : Path()),
+      path_(transition.segments == nullptr ? &ownPath_ : transition.segments) {}
 
 const Json* InvariantView::find(const Json* node, Path::const_iterator from, Path::const_iterator to) {
   for (; node != nullptr && from != to; ++from) {
@@ -63,14 +65,14 @@ const Json* InvariantView::before(const Path& at) const {
     const Json* old = transition_.before;
     return old == nullptr || old->is_null()
                ? nullptr
-               : find(old, at.begin() + static_cast<std::ptrdiff_t>(path_.size()), at.end());
+               : find(old, at.begin() + static_cast<std::ptrdiff_t>(path_->size()), at.end());
   }
   return after(at);
 }
 
-bool InvariantView::within(const Path& at) const { return startsWith(path_, at); }
+bool InvariantView::within(const Path& at) const { return startsWith(*path_, at); }
 
-bool InvariantView::covers(const Path& at) const { return startsWith(at, path_); }
+bool InvariantView::covers(const Path& at) const { return startsWith(at, *path_); }
 
 bool InvariantView::changed(const Path& at) const {
   if (isBuild()) {
@@ -81,7 +83,7 @@ bool InvariantView::changed(const Path& at) const {
   }
   if (!covers(at)) {
     // An ancestor changed exactly when the changed value did.
-    return changed(path_);
+    return changed(*path_);
   }
   const Json* was = before(at);
   const Json* now = after(at);
@@ -93,10 +95,10 @@ std::vector<std::string> InvariantView::changedMembers(const Path& collection) c
   if (!isBuild() && !reaches(collection)) {
     return keys;
   }
-  if (!isBuild() && path_.size() > collection.size()) {
+  if (!isBuild() && path_->size() > collection.size()) {
     // The change lies in one member.
     Path member = collection;
-    member.push_back(path_[collection.size()]);
+    member.push_back((*path_)[collection.size()]);
     if (changed(member)) {
       keys.push_back(member.back());
     }

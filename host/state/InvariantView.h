@@ -40,9 +40,11 @@ class InvariantView {
 
   // REQUIRES: `transition` outlives the view.
   explicit InvariantView(const StateTransition& transition);
+  InvariantView(const InvariantView&) = delete;
+  InvariantView& operator=(const InvariantView&) = delete;
 
   bool isBuild() const { return transition_.kind == StateTransition::Kind::build; }
-  const Path& path() const { return path_; }
+  const Path& path() const { return *path_; }
 
   // The value at `at` after / before the transition; null when absent (and
   // before a build).
@@ -77,7 +79,10 @@ class InvariantView {
   static const Json* find(const Json* node, Path::const_iterator from, Path::const_iterator to);
 
   const StateTransition& transition_;
-  Path path_;
+  // The changed path's segments: the transition's own, or split from its
+  // pointer into ownPath_.
+  Path ownPath_;
+  const Path* path_;
 };
 
 // The enumeration value a canonical key or value stands for: a name, a

@@ -20,6 +20,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -45,6 +46,9 @@ struct StateTransition {
   // The canonical value at `path` before the transition; null when the path
   // was absent, and for a build.
   const nlohmann::json* before;
+  // `path`'s unescaped segments when the caller has them at hand; null: the
+  // reader splits `path` itself.
+  const std::vector<std::string>* segments = nullptr;
 };
 
 class StateGuard {

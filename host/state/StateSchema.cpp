@@ -673,16 +673,6 @@ void checkReferences(const Json& document) {
 
 namespace {
 
-// The segments of a canonical pointer.
-std::vector<std::string> segmentsOf(const JsonPointer& path) {
-  std::vector<std::string> segments;
-  for (JsonPointer at = path; !at.empty(); at = at.parent_pointer()) {
-    segments.push_back(at.back());
-  }
-  std::reverse(segments.begin(), segments.end());
-  return segments;
-}
-
 // The object at `path` of `document`, or null.
 const Json* objectAt(const Json& document, const JsonPointer& path) {
   return document.contains(path) && document.at(path).is_object() ? &document.at(path) : nullptr;
@@ -778,8 +768,7 @@ void checkClassMapsRemoved(const Json& document, const std::vector<std::string>&
 
 }  // namespace
 
-void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before) {
-  const std::vector<std::string> path = segmentsOf(changed);
+void checkReferencesOfChange(const Json& document, const std::vector<std::string>& path, const Json* before) {
   if (path.empty() || path[0] != "qosStatus") {
     return;
   }

@@ -155,6 +155,8 @@ void checkEntityReferences(const Json& document, const EntityType& type, const J
 //   (a default class action names a class action of its own policy map);
 // - those naming a class map that the change removed: the class defaults of
 //   the policy maps of that class map's type.
-void checkReferencesOfChange(const Json& document, const JsonPointer& changed, const Json* before);
+// `changed` is given as its unescaped segments.
+void checkReferencesOfChange(const Json& document, const std::vector<std::string>& changed,
+                             const Json* before);
 
 }  // namespace QosSnmpHost

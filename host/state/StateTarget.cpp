@@ -1,5 +1,6 @@
 #include "host/state/StateTarget.h"
 
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -60,29 +61,30 @@ std::string appendSegment(std::string text, std::string_view key) {
   return text;
 }
 
-// Walks a path down the schema and the document, one entity at a time.
+// Walks a path down the schema and the document, one entity at a time. The
+// canonical segments grow as it goes; the target's pointers are made from
+// them once, at the end (and an error's pointer when one is thrown).
 class Walk {
  public:
-  Walk(std::vector<std::string> segments, const Json& document)
-      : segments_(std::move(segments)), document_(document) {}
+  Walk(std::vector<std::string> raw, const Json& document) : raw_(std::move(raw)), document_(document) {}
 
   StateTarget run() {
-    if (segments_.empty()) {
+    if (raw_.empty()) {
       throw std::invalid_argument(R"("path": the whole document cannot be changed; name a root ()" +
                                   stateSchema().rootList() + ") or something below one");
     }
-    const auto* root = stateSchema().root(segments_.front());
-    if (root == nullptr) {
-      throw SchemaError{
-          JsonPointer() / segments_.front(),
-          "unknown root \"" + segments_.front() + "\" (expected " + stateSchema().rootList() + ")"};
+    target_.root = stateSchema().root(raw_.front());
+    if (target_.root == nullptr) {
+      throw SchemaError{JsonPointer() / raw_.front(),
+                        "unknown root \"" + raw_.front() + "\" (expected " + stateSchema().rootList() + ")"};
     }
-    standOn(root->type, JsonPointer() / root->name, "", "");
-    target_.holderPathText = appendSegment("", root->name);
-    holder_ = memberOf(&document_, root->name);
+    segments().push_back(target_.root->name);
+    standOn(target_.root->type, "", "");
+    target_.holderPathText = appendSegment("", target_.root->name);
+    holder_ = memberOf(&document_, target_.root->name);
     while (!done()) {
       if (holder_ == nullptr) {
-        throw SchemaError{target_.holderPath, "does not exist (so nothing below it can be changed)"};
+        throw SchemaError{pointer(holderDepth_), "does not exist (so nothing below it can be changed)"};
       }
       const Attr* attr = stepToAttribute();
       if (done()) {
@@ -94,11 +96,11 @@ class Walk {
         stepIntoOwnEntity(*attr);
       }
     }
-    return target_;
+    return finish();
   }
 
  private:
-  bool done() const { return at_ == segments_.size(); }
+  bool done() const { return at_ == raw_.size(); }
   // The member `key` of `object`; null when either is absent.
   static const Json* memberOf(const Json* object, const std::string& key) {
     if (object == nullptr || !object->is_object()) {
@@ -107,12 +109,23 @@ class Walk {
     const auto it = object->find(key);
     return it == object->end() ? nullptr : &*it;
   }
-  const std::string& segment() const { return segments_[at_]; }
+  const std::string& segment() const { return raw_[at_]; }
+  std::vector<std::string>& segments() { return target_.segments; }
+  // The pointer of the first `depth` canonical segments.
+  JsonPointer pointer(std::size_t depth) const {
+    JsonPointer made;
+    for (std::size_t i = 0; i < depth; ++i) {
+      made.push_back(target_.segments[i]);
+    }
+    return made;
+  }
+  // The pointer of the canonical segments so far, then the raw segment at hand.
+  JsonPointer pointerToSegment() const { return pointer(target_.segments.size()) / segment(); }
 
-  void standOn(const EntityType* type, JsonPointer path, std::string key, std::string ownerKey) {
+  // Stands on the entity whose path is the canonical segments so far.
+  void standOn(const EntityType* type, std::string key, std::string ownerKey) {
     target_.holderType = type;
-    target_.path = path;
-    target_.holderPath = std::move(path);
+    holderDepth_ = target_.segments.size();
     target_.holderKey = std::move(key);
     target_.holderOwnerKey = std::move(ownerKey);
     target_.attr = nullptr;
@@ -125,19 +138,18 @@ class Walk {
     const EntityType& type = *target_.holderType;
     if (type.flat) {
       target_.attr = &type.attrs.front();
-      target_.attrPath = target_.holderPath;
+      attrDepth_ = holderDepth_;
       attrText_ = target_.holderPathText;
       attrValue_ = holder_;
       return target_.attr;
     }
     target_.attr = type.attr(segment());
     if (target_.attr == nullptr) {
-      throw SchemaError{
-          target_.holderPath / segment(),
-          "unknown attribute \"" + segment() + "\" of " + type.name + " (expected " + type.attrList() + ")"};
+      throw SchemaError{pointerToSegment(), "unknown attribute \"" + segment() + "\" of " + type.name +
+                                                " (expected " + type.attrList() + ")"};
     }
-    target_.attrPath = target_.holderPath / target_.attr->name;
-    target_.path = target_.attrPath;
+    segments().push_back(target_.attr->name);
+    attrDepth_ = holderDepth_ + 1;
     attrText_ = appendSegment(target_.holderPathText, target_.attr->name);
     attrValue_ = memberOf(holder_, target_.attr->name);
     ++at_;
@@ -145,47 +157,66 @@ class Walk {
   }
 
   void stepToMember(const Attr& attr) {
-    const std::string key = canonicalKey(attr, segment(), target_.attrPath / segment());
+    // The error's pointer is made only for a key that does not fit.
+    std::optional<std::string> canonical = attr.keyCanonical(segment());
+    std::string key = canonical ? std::move(*canonical) : canonicalKey(attr, segment(), pointerToSegment());
+    segments().push_back(key);
     target_.key = key;
-    target_.path = target_.attrPath / key;
-    if (++at_ == segments_.size()) {
+    if (++at_ == raw_.size()) {
       return;
     }
     if (attr.kind == Attr::Kind::values) {
-      throw SchemaError{target_.path / segment(),
+      throw SchemaError{pointerToSegment(),
                         "a member of \"" + attr.name + "\" is a value: nothing is below it"};
     }
     target_.enclosing.emplace();
     target_.enclosing->attr = &attr;
-    target_.enclosing->holderPath = target_.holderPath;
+    target_.enclosing->holderPathText = target_.holderPathText;
     target_.enclosing->key = key;
     holder_ = memberOf(attrValue_, key);
-    standOn(attr.member, target_.path, key, target_.holderKey);
     target_.holderPathText = appendSegment(attrText_, key);
+    standOn(attr.member, std::move(key), target_.holderKey);
   }
 
   // Below an entity-valued scalar: the entity it holds as its own.
   void stepIntoOwnEntity(const Attr& attr) {
     if (attr.kind != Attr::Kind::entityOrReference) {
-      throw SchemaError{target_.attrPath / segment(),
+      throw SchemaError{pointerToSegment(),
                         "\"" + attr.name + "\" is a scalar attribute: nothing is below it"};
     }
     const Json* value = attrValue_;
     if (value == nullptr || !value->is_object()) {
-      throw SchemaError{target_.attrPath / segment(),
+      throw SchemaError{pointerToSegment(),
                         "\"" + attr.name + "\" does not hold an entity of its own: nothing is below it"};
     }
     holder_ = value;
-    standOn(attr.member, target_.attrPath, value->at("name").get<std::string>(), target_.holderKey);
     target_.holderPathText = attrText_;
+    standOn(attr.member, value->at("name").get<std::string>(), target_.holderKey);
   }
 
-  std::vector<std::string> segments_;
+  StateTarget finish() {
+    target_.path = pointer(target_.segments.size());
+    target_.holderPath = pointer(holderDepth_);
+    if (target_.attr == nullptr) {
+      target_.pathText = target_.holderPathText;
+      target_.place = holder_;
+      return std::move(target_);
+    }
+    target_.attrPath = pointer(attrDepth_);
+    target_.pathText = target_.key ? appendSegment(attrText_, *target_.key) : attrText_;
+    target_.place = attrValue_;
+    return std::move(target_);
+  }
+
+  std::vector<std::string> raw_;
   const Json& document_;
-  // The values at target_.holderPath and target_.attrPath; null when absent.
+  // The values at the holder's and the attribute's paths; null when absent.
   const Json* holder_ = nullptr;
   const Json* attrValue_ = nullptr;
-  // The JSON Pointer text of target_.attrPath.
+  // How many canonical segments the holder's and the attribute's paths have.
+  std::size_t holderDepth_ = 0;
+  std::size_t attrDepth_ = 0;
+  // The JSON Pointer text of the attribute's path.
   std::string attrText_;
   std::size_t at_ = 1;
   StateTarget target_;

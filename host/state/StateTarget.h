@@ -10,22 +10,27 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/state/StateSchema.h"
 
 namespace QosSnmpHost {
 
 // A collection member that a change target lies in: its collection, the
-// collection's holder and its key.
+// JSON Pointer text of the collection's holder, and its key.
 struct EnclosingMember {
   const Attr* attr = nullptr;
-  JsonPointer holderPath;
+  std::string holderPathText;
   std::string key;
 };
 
 struct StateTarget {
-  // The target's canonical pointer.
+  // The root the target lies under.
+  const StateSchema::Root* root = nullptr;
+  // The target's canonical pointer, its unescaped segments and its text.
   JsonPointer path;
+  std::vector<std::string> segments;
+  std::string pathText;
   // The entity that holds the attribute: its type, pointer, own key and its
   // holder's key (the context of defaults). For a root target, the root.
   const EntityType* holderType = nullptr;
@@ -42,12 +47,16 @@ struct StateTarget {
   // The nearest collection member that the holding entity is or lies in;
   // nullopt when the holder is a root or lies in none.
   std::optional<EnclosingMember> enclosing;
+  // Where the target's value lives in the document resolved against: the
+  // collection for a member target (which may lack the member), else the
+  // value itself. Valid while that document's value there stays.
+  const Json* place = nullptr;
 
   bool isRoot() const { return attr == nullptr; }
   bool isMember() const { return key.has_value(); }
 
   // Resolves `path` (JSON Pointer text, or an array of unescaped segments)
-  // in the canonical `document`. Throws SchemaError for a path that names
+  // in the canonical `document`, looking each step's member up once. Throws SchemaError for a path that names
   // nothing the schema has or goes through an absent entity, and
   // std::invalid_argument (with the message) for a malformed path.
   static StateTarget resolve(const Json& path, const Json& document);

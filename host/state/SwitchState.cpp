@@ -27,12 +27,6 @@ namespace {
 // A line-level error: not about one value of the document.
 using LineError = std::invalid_argument;
 
-// The first segment of a canonical pointer: the root it lies under.
-std::string rootNameOf(const JsonPointer& path) {
-  const std::string text = path.to_string();
-  return text.substr(1, text.find('/', 1) - 1);
-}
-
 const Json& field(const Json& line, const char* name) {
   const auto it = line.find(name);
   if (it == line.end()) {
@@ -326,8 +320,9 @@ std::optional<Json> SwitchState::Impl::afterOf(const StateTarget& target, const 
 
 // Where the target's value lives in the mirror: the collection for a member
 // (which the change may add it to or remove it from), else the value itself.
+// The target was resolved in this mirror, which this object owns.
 Json& SwitchState::Impl::placeOf(const StateTarget& target) {
-  return document_.at(target.isMember() ? target.attrPath : target.path);
+  return const_cast<Json&>(*target.place);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
 }
 
 std::optional<Json> SwitchState::Impl::swapIn(const StateTarget& target, Json& place,
@@ -383,7 +378,8 @@ void SwitchState::Impl::notifyEnclosingMember(const StateTarget& target) {
   // The nearest collection member the changed entity is, or is inside, is
   // reported changed when its collection reports members changed in place.
   if (target.enclosing && target.enclosing->attr->memberChanged != nullptr) {
-    target.enclosing->attr->memberChanged(*store_.at(target.enclosing->holderPath), target.enclosing->key);
+    target.enclosing->attr->memberChanged(*store_.at(target.enclosing->holderPathText),
+                                          target.enclosing->key);
   }
 }
 
@@ -397,10 +393,10 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
   // it will be; undone when either refuses.
   std::optional<Json> before = swapIn(target, place, std::move(after));
   const StateTransition transition{set ? StateTransition::Kind::set : StateTransition::Kind::del, target.path,
-                                   document_, before ? &*before : nullptr};
+                                   document_, before ? &*before : nullptr, &target.segments};
   try {
-    if (stateSchema().root(rootNameOf(target.path))->type->holdsReferences) {
-      checkReferencesOfChange(document_, target.path, before ? &*before : nullptr);
+    if (target.root->type->holdsReferences) {
+      checkReferencesOfChange(document_, target.segments, before ? &*before : nullptr);
     }
     if (guard_ != nullptr) {
       if (auto refusal = guard_->refusal(transition)) {
@@ -417,7 +413,7 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
   }
   Change change;
   change.op = set ? Change::Op::set : Change::Op::del;
-  change.path = target.path.to_string();
+  change.path = target.pathText;
   return change;
 }
 

@@ -24,7 +24,7 @@ TEST(StateTargetTest, AnAttributeOfADirectoryMemberNamesThatMemberAsEnclosing) {
   const StateTarget target = StateTarget::resolve(Json("/intfStatus/Ethernet1~11/snmpIfIndex"), kDocument);
   ASSERT_TRUE(target.enclosing.has_value());
   EXPECT_EQ(target.enclosing->key, "Ethernet1/1");
-  EXPECT_EQ(target.enclosing->holderPath.to_string(), "/intfStatus");
+  EXPECT_EQ(target.enclosing->holderPathText, "/intfStatus");
   EXPECT_NE(target.enclosing->attr->memberChanged, nullptr);
   EXPECT_EQ(target.holderPathText, "/intfStatus/Ethernet1~11");
 }
@@ -34,7 +34,7 @@ TEST(StateTargetTest, TheNearestEnclosingMemberIsTheDeepestOnTheWay) {
       StateTarget::resolve(Json("/sliceHwStatus/slice0/cpStaticClassHwStatus/cpStaticBgp/hwRank"), kDocument);
   ASSERT_TRUE(target.enclosing.has_value());
   EXPECT_EQ(target.enclosing->key, "cpStaticBgp");
-  EXPECT_EQ(target.enclosing->holderPath.to_string(), "/sliceHwStatus/slice0");
+  EXPECT_EQ(target.enclosing->holderPathText, "/sliceHwStatus/slice0");
 }
 
 TEST(StateTargetTest, AnAttributeOfARootHasNoEnclosingMember) {
@@ -50,6 +50,34 @@ TEST(StateTargetTest, APathThroughAnAbsentMemberIsRefusedAtThatMember) {
   } catch (const SchemaError& error) {
     EXPECT_EQ(error.path.to_string(), "/intfStatus/Ethernet9");
     EXPECT_EQ(error.message, "does not exist (so nothing below it can be changed)");
+  }
+}
+
+TEST(StateTargetTest, TargetCarriesItsCanonicalSegmentsAndPointerText) {
+  const StateTarget target =
+      StateTarget::resolve(Json("/qosStatus/pmapType/1/pmap/pm~11/cmapCounters/c~01/packets"), kDocument);
+  EXPECT_EQ(target.segments, (std::vector<std::string>{"qosStatus", "pmapType", "mapQos", "pmap", "pm/1",
+                                                       "cmapCounters", "c~1", "packets"}));
+  EXPECT_EQ(target.pathText, "/qosStatus/pmapType/mapQos/pmap/pm~11/cmapCounters/c~01/packets");
+  EXPECT_EQ(target.pathText, target.path.to_string());
+  EXPECT_EQ(target.root->name, "qosStatus");
+}
+
+TEST(StateTargetTest, PlaceIsTheCollectionForAMemberAndTheValueItselfOtherwise) {
+  EXPECT_EQ(StateTarget::resolve(Json("/intfStatus/Ethernet9"), kDocument).place,
+            &kDocument.at("intfStatus"));
+  EXPECT_EQ(StateTarget::resolve(Json("/hwStatus/coppSupported"), kDocument).place,
+            &kDocument.at("hwStatus").at("coppSupported"));
+  EXPECT_EQ(StateTarget::resolve(Json("/hwStatus"), kDocument).place, &kDocument.at("hwStatus"));
+}
+
+TEST(StateTargetTest, AKeyThatDoesNotFitIsRefusedAtItsRawSegment) {
+  try {
+    StateTarget::resolve(Json("/qosStatus/pmapType/mapNone/pmap"), kDocument);
+    FAIL() << "resolved an unknown map type";
+  } catch (const SchemaError& error) {
+    EXPECT_EQ(error.path.to_string(), "/qosStatus/pmapType/mapNone");
+    EXPECT_EQ(error.message.rfind("expected a map type", 0), 0U) << error.message;
   }
 }
 
