@@ -7,44 +7,6 @@
 namespace QosSnmpHost {
 namespace {
 
-constexpr const char* kPathForm = "a JSON Pointer (\"/qosStatus/cmapType/mapQos\") or an array of segments";
-
-std::vector<std::string> segmentsOf(const Json& path) {
-  std::vector<std::string> segments;
-  if (path.is_array()) {
-    for (const auto& segment : path) {
-      if (!segment.is_string()) {
-        throw std::invalid_argument(std::string("\"path\": expected ") + kPathForm + ", got " + path.dump());
-      }
-      segments.push_back(segment.get<std::string>());
-    }
-    return segments;
-  }
-  if (!path.is_string()) {
-    throw std::invalid_argument(std::string("\"path\": expected ") + kPathForm + ", got " + path.dump());
-  }
-  const auto& text = path.get_ref<const std::string&>();
-  if (!text.empty() && text.front() != '/') {
-    throw std::invalid_argument("\"path\": a JSON Pointer starts with '/', got " + path.dump());
-  }
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find('/', at + 1), text.size());
-    std::string segment;
-    for (std::size_t i = at + 1; i < end; ++i) {
-      if (text[i] != '~') {
-        segment += text[i];
-      } else if (i + 1 < end && (text[i + 1] == '0' || text[i + 1] == '1')) {
-        segment += text[++i] == '0' ? '~' : '/';
-      } else {
-        throw std::invalid_argument("\"path\": '~' must be followed by '0' or '1' in " + path.dump());
-      }
-    }
-    segments.push_back(std::move(segment));
-    at = end;
-  }
-  return segments;
-}
-
 // `text` followed by the JSON Pointer segment of `key` ("~" as "~0", "/" as
 // "~1").
 std::string appendSegment(std::string text, std::string_view key) {
@@ -224,8 +186,8 @@ class Walk {
 
 }  // namespace
 
-StateTarget StateTarget::resolve(const Json& path, const Json& document) {
-  return Walk(segmentsOf(path), document).run();
+StateTarget StateTarget::resolve(std::vector<std::string> segments, const Json& document) {
+  return Walk(std::move(segments), document).run();
 }
 
 }  // namespace QosSnmpHost

@@ -55,11 +55,11 @@ struct StateTarget {
   bool isRoot() const { return attr == nullptr; }
   bool isMember() const { return key.has_value(); }
 
-  // Resolves `path` (JSON Pointer text, or an array of unescaped segments)
-  // in the canonical `document`, looking each step's member up once. Throws SchemaError for a path that names
-  // nothing the schema has or goes through an absent entity, and
-  // std::invalid_argument (with the message) for a malformed path.
-  static StateTarget resolve(const Json& path, const Json& document);
+  // Resolves the path of unescaped `segments` in the canonical `document`,
+  // looking each step's member up once. Throws SchemaError for a path that
+  // names nothing the schema has or goes through an absent entity, and
+  // std::invalid_argument (with the message) for the empty path.
+  static StateTarget resolve(std::vector<std::string> segments, const Json& document);
 };
 
 }  // namespace QosSnmpHost

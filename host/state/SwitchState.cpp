@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/state/ChangeLine.h"
 #include "host/state/EntityStore.h"
 #include "host/state/JsonInput.h"
 #include "host/state/JsonLineIndex.h"
@@ -24,32 +25,8 @@
 namespace QosSnmpHost {
 namespace {
 
-// A line-level error: not about one value of the document.
+// An error about a change as a whole, not about one value of the document.
 using LineError = std::invalid_argument;
-
-const Json& field(const Json& line, const char* name) {
-  const auto it = line.find(name);
-  if (it == line.end()) {
-    throw LineError(std::string("a change needs \"") + name + "\"");
-  }
-  return *it;
-}
-
-void checkFields(const Json& line, std::initializer_list<const char*> allowed) {
-  for (const auto& [key, value] : line.items()) {
-    const std::string& given = key;
-    if (std::none_of(allowed.begin(), allowed.end(), [&given](const char* name) { return given == name; })) {
-      std::string list;
-      for (const char* name : allowed) {
-        list += (list.empty() ? "\"" : ", \"") + std::string(name) + '"';
-      }
-      std::string message = "unknown key \"" + given;
-      message += "\" in a " + line.at("op").get<std::string>();
-      message += " change (expected " + list + ")";
-      throw LineError(message);
-    }
-  }
-}
 
 }  // namespace
 
@@ -88,8 +65,7 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   // The state over a canonical document that fits the schema.
   static SwitchState build(Json canonical, const std::string& file, const InputLimits& limits);
 
-  Change applyChange(const Json& line);
-  Change applyEdit(const std::string& op, const Json& line);
+  Change applyEdit(const StateChange& change);
   std::optional<Json> afterOf(const StateTarget& target, const Json* value, const Json& place) const;
   Json& placeOf(const StateTarget& target);
   static std::optional<Json> swapIn(const StateTarget& target, Json& place, std::optional<Json> value);
@@ -238,19 +214,28 @@ void SwitchState::buildApplied() const {
 }
 
 Result<Change> SwitchState::apply(std::string_view line, const Source& where) {
-  const auto first = line.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos || line[first] == '#') {
-    return Change{};
+  Result<ChangeLine> read = ChangeLine::read(line, where, impl_->limits_);
+  if (!read) {
+    return read.error();
   }
-  if (line.size() > impl_->limits_.maxLineBytes) {
-    return overlongLineError(where, line.size(), impl_->limits_.maxLineBytes);
+  switch (read->kind) {
+    case ChangeLine::Kind::none:
+      return Change{};
+    case ChangeLine::Kind::advance: {
+      Change change;
+      change.op = Change::Op::advance;
+      change.seconds = read->seconds;
+      return change;
+    }
+    case ChangeLine::Kind::change:
+      break;
   }
-  JsonInput::Parsed parsed = JsonInput::parse(line, impl_->limits_);
-  if (!parsed.value) {
-    return LoadError{where.file, where.line, std::nullopt, parsed.error};
-  }
+  return apply(read->change, where);
+}
+
+Result<Change> SwitchState::apply(const StateChange& change, const Source& where) {
   try {
-    return impl_->applyChange(*parsed.value);
+    return impl_->applyEdit(change);
   } catch (const LineError& error) {
     return LoadError{where.file, where.line, std::nullopt, error.what()};
   } catch (const SchemaError& error) {
@@ -260,37 +245,6 @@ Result<Change> SwitchState::apply(std::string_view line, const Source& where) {
     // last line of defence, so that no input can end the program.
     return LoadError{where.file, where.line, std::nullopt, std::string("malformed change: ") + error.what()};
   }
-}
-
-Change SwitchState::Impl::applyChange(const Json& line) {
-  if (!line.is_object()) {
-    throw LineError("a change is an object with \"op\", got " + detail::shown(line));
-  }
-  const Json& op = field(line, "op");
-  if (op == "advance") {
-    checkFields(line, {"op", "seconds"});
-    const Json& seconds = field(line, "seconds");
-    if (!seconds.is_number() || !std::isfinite(seconds.get<double>()) || seconds.get<double>() < 0.0 ||
-        seconds.get<double>() > limits_.maxAdvanceSeconds) {
-      throw LineError("\"seconds\": expected a number of seconds from 0 to " +
-                      std::to_string(static_cast<long long>(limits_.maxAdvanceSeconds)) + ", got " +
-                      detail::shown(seconds));
-    }
-    Change change;
-    change.op = Change::Op::advance;
-    change.seconds = seconds.get<double>();
-    return change;
-  }
-  if (op == "set") {
-    checkFields(line, {"op", "path", "value"});
-    field(line, "value");
-    return applyEdit("set", line);
-  }
-  if (op == "delete") {
-    checkFields(line, {"op", "path"});
-    return applyEdit("delete", line);
-  }
-  throw LineError(R"("op": expected "set", "delete" or "advance", got )" + detail::shown(op));
 }
 
 // The canonical value the target will have; nullopt when a member goes.
@@ -383,11 +337,11 @@ void SwitchState::Impl::notifyEnclosingMember(const StateTarget& target) {
   }
 }
 
-Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
-  const StateTarget target = StateTarget::resolve(field(line, "path"), document_);
-  const bool set = op == "set";
+Change SwitchState::Impl::applyEdit(const StateChange& change) {
+  const StateTarget target = StateTarget::resolve(change.path, document_);
+  const bool set = change.op == StateChange::Op::set;
   Json& place = placeOf(target);
-  std::optional<Json> after = afterOf(target, set ? &line.at("value") : nullptr, place);
+  std::optional<Json> after = afterOf(target, set ? &change.value : nullptr, place);
 
   // The mirror first, so that references and the guard see the document as
   // it will be; undone when either refuses.
@@ -411,10 +365,10 @@ Change SwitchState::Impl::applyEdit(const std::string& op, const Json& line) {
   if (guard_ != nullptr) {
     guard_->applied(transition);
   }
-  Change change;
-  change.op = set ? Change::Op::set : Change::Op::del;
-  change.path = target.pathText;
-  return change;
+  Change applied;
+  applied.op = set ? Change::Op::set : Change::Op::del;
+  applied.path = target.pathText;
+  return applied;
 }
 
 const nlohmann::json& SwitchState::document() const { return impl_->document_; }

@@ -56,6 +56,7 @@
 #include "QosSnmp/core/Status.h"
 #include "host/state/InputLimits.h"
 #include "host/state/LoadError.h"
+#include "host/state/StateChange.h"
 #include "host/state/StateGuard.h"
 #include "kel/Dir.h"
 #include "kel/Entity.h"
@@ -116,11 +117,14 @@ class SwitchState {
   void buildApplied() const;
 
   // Applies one line of the change stream (JSON Lines, see the format
-  // description): parses and validates the whole line, asks the guard, then
-  // changes the mirror and the entities. On error nothing has changed.
+  // description): reads it (ChangeLine), then applies the change it carries.
   // `where` names the line in errors. An "advance" line changes nothing and
   // is handed back to the caller.
   Result<Change> apply(std::string_view line, const Source& where);
+  // Applies one change, however it arrived: canonicalises and validates it
+  // whole, asks the guard, then changes the mirror and the entities. On
+  // error nothing has changed; `where` names the change's source in errors.
+  Result<Change> apply(const StateChange& change, const Source& where);
 
   // The canonical document (every attribute present, keys and enumerations
   // by name).

@@ -1,5 +1,6 @@
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "QosSnmp/core/Counter.h"
 #include "QosSnmp/core/PolicyMapStatus.h"
 #include "QosSnmp/core/PolicyMapTypeStatus.h"
+#include "host/state/StateChange.h"
 #include "host/state/StateGuard.h"
 #include "host/state/SwitchState.h"
 #include "host/state/SwitchStateTestSupport.h"
@@ -285,6 +287,45 @@ class RecordingGuard : public QosSnmpHost::StateGuard {
   std::vector<std::string> seen;
   std::optional<bool> appliedSawCopp;
 };
+
+TEST_F(ChangeStreamTest, ATypedChangeFromAnotherSourceAppliesAsItsLineDoes) {
+  SwitchState byLines = QosSnmpHostTest::loadExample();
+  const std::vector<std::pair<std::string, QosSnmpHost::StateChange>> changes = {
+      {R"({"op": "set", "path": "/qosStatus/pmapType/1/pmap/pm1/cmapCounters/c1/packets", "value": 42})",
+       {QosSnmpHost::StateChange::Op::set,
+        {"qosStatus", "pmapType", "1", "pmap", "pm1", "cmapCounters", "c1", "packets"},
+        42}},
+      {R"({"op": "delete", "path": "/qosStatus/pmapType/mapQos/pmap/pm1/classAction/c1"})",
+       {QosSnmpHost::StateChange::Op::del,
+        {"qosStatus", "pmapType", "mapQos", "pmap", "pm1", "classAction", "c1"},
+        nullptr}},
+      {R"({"op": "set", "path": "/mibConfig/counterPollPeriod", "value": "inf"})",
+       {QosSnmpHost::StateChange::Op::set, {"mibConfig", "counterPollPeriod"}, "inf"}},
+  };
+  int number = 0;
+  for (const auto& [line, typed] : changes) {
+    const auto fromLine = byLines.apply(line, {"changes.jsonl", ++number});
+    const auto fromFeed = state_.apply(typed, {"feed", number});
+    ASSERT_TRUE(fromLine) << fromLine.error().text();
+    ASSERT_TRUE(fromFeed) << fromFeed.error().text();
+    EXPECT_EQ(fromFeed->path, fromLine->path);
+    EXPECT_EQ(state_.document(), byLines.document()) << line;
+    EXPECT_EQ(state_.entityPaths(), byLines.entityPaths()) << line;
+  }
+  EXPECT_EQ(pm1()->cmapCounters("c1")->packets(), 42U);
+  EXPECT_EQ(c1Action(), nullptr);
+
+  // A typed change is held to the same checks as a line, and refused alike.
+  const QosSnmpHost::StateChange badKey{
+      QosSnmpHost::StateChange::Op::set, {"qosStatus", "pmapType", "mapNone"}, json::object()};
+  const auto refused = state_.apply(badKey, {"feed", 9});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().text(),
+            byLines.apply(R"({"op": "set", "path": "/qosStatus/pmapType/mapNone", "value": {}})", {"feed", 9})
+                .error()
+                .text());
+  EXPECT_EQ(state_.document(), byLines.document());
+}
 
 TEST_F(ChangeStreamTest, GuardRefusalLeavesEverythingAsItWas) {
   RecordingGuard guard(&state_);
