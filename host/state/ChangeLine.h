@@ -25,6 +25,7 @@
 
 namespace QosSnmpHost {
 
+// NOLINTNEXTLINE(bugprone-exception-escape): nlohmann::json member; its moves do not throw
 class ChangeLine {
  public:
   enum class Kind {

@@ -20,6 +20,7 @@
 
 namespace QosSnmpHost {
 
+// NOLINTNEXTLINE(bugprone-exception-escape): nlohmann::json member; its moves do not throw
 struct StateChange {
   enum class Op {
     set,  // the value at `path` becomes `value` (a member is added when absent)
