@@ -471,32 +471,53 @@ SchemaError mismatch(const JsonPointer& path, const std::string& expected, const
   return SchemaError{path, "expected " + expected + ", got " + detail::shown(got)};
 }
 
-Json canonicalName(const Json& input, const JsonPointer& path, const std::string& what) {
-  if (!input.is_string() || input.get<std::string>().empty()) {
+// A name is its own canonical form: checked, not changed.
+void checkName(const Json& input, const JsonPointer& path, const std::string& what) {
+  if (!input.is_string() || input.get_ref<const std::string&>().empty()) {
     throw mismatch(path, what, input);
   }
-  return input;
 }
 
-Json canonicalCollection(const Attr& attr, const Json& input, const JsonPointer& path,
-                         const std::string& holderKey) {
-  if (!input.is_object()) {
-    throw mismatch(path, "an object of members keyed by " + attr.keyExpected, input);
+// `members` (an object, still as written) in canonical form, in place.
+// Members are read in the order of their keys as written; the first one
+// that does not fit, or whose canonical key another one already has, is
+// the error. Keys written canonically stay where they are; the others are
+// moved to their canonical key once every member fits.
+void canonicalizeCollection(const Attr& attr, Json& members, const JsonPointer& path,
+                            const std::string& holderKey) {
+  if (!members.is_object()) {
+    throw mismatch(path, "an object of members keyed by " + attr.keyExpected, members);
   }
-  Json members = Json::object();
-  std::map<std::string, std::string> rawOf;
-  for (const auto& [raw, value] : input.items()) {
+  // The raw key of each member whose canonical key differs, by that key.
+  std::map<std::string, std::string> rawOfRenamed;
+  for (auto& [raw, value] : members.items()) {
     const JsonPointer memberPath = path / raw;
-    const std::string key = canonicalKey(attr, raw, memberPath);
-    if (const auto [it, added] = rawOf.emplace(key, raw); !added) {
+    std::string key = canonicalKey(attr, raw, memberPath);
+    // A member that came before with the same canonical key: one renamed
+    // to it, or one written with it.
+    std::optional<std::string> earlier;
+    if (const auto renamed = rawOfRenamed.find(key); renamed != rawOfRenamed.end()) {
+      earlier = renamed->second;
+    } else if (key < raw && members.contains(key)) {
+      earlier = key;
+    }
+    if (earlier) {
       std::string message = "duplicate member: \"" + raw;
-      message += "\" and \"" + it->second;
+      message += "\" and \"" + *earlier;
       message += "\" are both \"" + key + "\"";
       throw SchemaError{memberPath, std::move(message)};
     }
-    members[key] = canonicalMember(attr, value, memberPath, key, holderKey);
+    canonicalizeMember(attr, value, memberPath, key, holderKey);
+    if (key != raw) {
+      rawOfRenamed.emplace(std::move(key), raw);
+    }
   }
-  return members;
+  auto& object = members.get_ref<Json::object_t&>();
+  for (const auto& [key, raw] : rawOfRenamed) {
+    auto node = object.extract(raw);
+    node.key() = key;
+    object.insert(std::move(node));
+  }
 }
 
 }  // namespace
@@ -567,79 +588,102 @@ Json defaultOf(const Attr& attr, const std::string& holderOwnerKey) {
   return nullptr;
 }
 
-Json canonicalEntity(const EntityType& type, const Json& input, const JsonPointer& path,
-                     const std::string& ownKey, const std::string& ownerKey) {
+void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
+                        const std::string& ownKey, const std::string& ownerKey) {
   if (type.flat) {
-    return canonicalCollection(type.attrs.front(), input, path, ownKey);
+    canonicalizeCollection(type.attrs.front(), value, path, ownKey);
+    return;
   }
-  if (!input.is_object()) {
-    throw mismatch(path, "a " + type.name + " (an object with " + type.attrList() + ")", input);
+  if (!value.is_object()) {
+    throw mismatch(path, "a " + type.name + " (an object with " + type.attrList() + ")", value);
   }
-  for (const auto& [name, value] : input.items()) {
+  for (const auto& [name, member] : value.items()) {
     if (type.attr(name) == nullptr && !(type.named && name == "name")) {
       throw SchemaError{path / name, "unknown attribute \"" + name + "\" of " + type.name + " (expected " +
                                          type.attrList() + ")"};
     }
   }
-  Json canonical = Json::object();
   std::string key = ownKey;
   if (type.named) {
-    const auto name = input.find("name");
-    if (name == input.end()) {
+    const auto name = value.find("name");
+    if (name == value.end()) {
       throw SchemaError{path, "a " + type.name + " object needs its \"name\""};
     }
-    canonical["name"] = canonicalName(*name, path / "name", "a name (a non-empty string)");
+    checkName(*name, path / "name", "a name (a non-empty string)");
     key = name->get<std::string>();
   }
   for (const auto& attr : type.attrs) {
-    const auto given = input.find(attr.name);
-    canonical[attr.name] = given == input.end()
-                               ? defaultOf(attr, ownerKey)
-                               : canonicalAttr(attr, *given, path / attr.name, key, ownerKey);
+    const auto given = value.find(attr.name);
+    if (given == value.end()) {
+      value.emplace(attr.name, defaultOf(attr, ownerKey));
+    } else {
+      canonicalizeAttr(attr, *given, path / attr.name, key, ownerKey);
+    }
   }
+}
+
+void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, const std::string& holderKey,
+                      const std::string& holderOwnerKey) {
+  switch (attr.kind) {
+    case Attr::Kind::scalar:
+      if (auto canonical = attr.valueCanonical(value)) {
+        value = std::move(*canonical);
+        return;
+      }
+      throw mismatch(path, attr.valueExpected(), value);
+    case Attr::Kind::values:
+    case Attr::Kind::entities:
+      canonicalizeCollection(attr, value, path, holderKey);
+      return;
+    case Attr::Kind::reference:
+      if (!value.is_null()) {
+        checkName(value, path, "null or a " + attr.referenceNoun + " name (a non-empty string)");
+      }
+      return;
+    case Attr::Kind::entityOrReference:
+      if (value.is_object()) {
+        canonicalizeEntity(*attr.member, value, path, "", holderKey);
+      } else if (!value.is_null()) {
+        checkName(value, path,
+                  "null, a " + attr.referenceNoun + " name (a non-empty string) or a " + attr.member->name +
+                      " object with its \"name\"");
+      }
+      return;
+  }
+  (void)holderOwnerKey;
+}
+
+void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,
+                        const std::string& holderKey) {
+  if (attr.kind == Attr::Kind::values) {
+    if (auto canonical = attr.valueCanonical(value)) {
+      value = std::move(*canonical);
+      return;
+    }
+    throw mismatch(path, attr.valueExpected(), value);
+  }
+  canonicalizeEntity(*attr.member, value, path, key, holderKey);
+}
+
+Json canonicalEntity(const EntityType& type, const Json& input, const JsonPointer& path,
+                     const std::string& ownKey, const std::string& ownerKey) {
+  Json canonical = input;
+  canonicalizeEntity(type, canonical, path, ownKey, ownerKey);
   return canonical;
 }
 
 Json canonicalAttr(const Attr& attr, const Json& input, const JsonPointer& path, const std::string& holderKey,
                    const std::string& holderOwnerKey) {
-  switch (attr.kind) {
-    case Attr::Kind::scalar:
-      if (auto value = attr.valueCanonical(input)) {
-        return std::move(*value);
-      }
-      throw mismatch(path, attr.valueExpected(), input);
-    case Attr::Kind::values:
-    case Attr::Kind::entities:
-      return canonicalCollection(attr, input, path, holderKey);
-    case Attr::Kind::reference:
-      if (input.is_null()) {
-        return input;
-      }
-      return canonicalName(input, path, "null or a " + attr.referenceNoun + " name (a non-empty string)");
-    case Attr::Kind::entityOrReference:
-      if (input.is_null()) {
-        return input;
-      }
-      if (input.is_object()) {
-        return canonicalEntity(*attr.member, input, path, "", holderKey);
-      }
-      return canonicalName(input, path,
-                           "null, a " + attr.referenceNoun + " name (a non-empty string) or a " +
-                               attr.member->name + " object with its \"name\"");
-  }
-  (void)holderOwnerKey;
-  return nullptr;
+  Json canonical = input;
+  canonicalizeAttr(attr, canonical, path, holderKey, holderOwnerKey);
+  return canonical;
 }
 
 Json canonicalMember(const Attr& attr, const Json& input, const JsonPointer& path, const std::string& key,
                      const std::string& holderKey) {
-  if (attr.kind == Attr::Kind::values) {
-    if (auto value = attr.valueCanonical(input)) {
-      return std::move(*value);
-    }
-    throw mismatch(path, attr.valueExpected(), input);
-  }
-  return canonicalEntity(*attr.member, input, path, key, holderKey);
+  Json canonical = input;
+  canonicalizeMember(attr, canonical, path, key, holderKey);
+  return canonical;
 }
 
 void checkEntityReferences(const Json& document, const EntityType& type, const Json& canonical,

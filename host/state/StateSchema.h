@@ -135,6 +135,15 @@ Json canonicalAttr(const Attr& attr, const Json& input, const JsonPointer& path,
                    const std::string& holderOwnerKey);
 Json canonicalMember(const Attr& attr, const Json& input, const JsonPointer& path, const std::string& key,
                      const std::string& holderKey);
+// The same in place: `value` (as written) becomes its canonical form, so a
+// whole document is made canonical without a second tree. After a
+// SchemaError, `value` is partly canonical and only good for discarding.
+void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
+                        const std::string& ownKey, const std::string& ownerKey);
+void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, const std::string& holderKey,
+                      const std::string& holderOwnerKey);
+void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,
+                        const std::string& holderKey);
 // The canonical key of a collection member, as written `raw`.
 std::string canonicalKey(const Attr& attr, std::string_view raw, const JsonPointer& path);
 // The attribute's canonical value when the document does not give it.

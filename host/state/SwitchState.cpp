@@ -57,8 +57,7 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
 
   // The canonical form of a parsed document into `canonical`; the error
   // (without a line) if it does not fit.
-  static std::optional<LoadError> canonicalize(const Json& document, const std::string& file,
-                                               Json& canonical);
+  static std::optional<LoadError> canonicalize(Json document, const std::string& file, Json& canonical);
   // The same from the document's text, the error with its line.
   static std::optional<LoadError> canonicalizeText(std::string_view text, const std::string& file,
                                                    const InputLimits& limits, Json& canonical);
@@ -83,7 +82,7 @@ SwitchState::SwitchState(SwitchState&&) noexcept = default;
 SwitchState& SwitchState::operator=(SwitchState&&) noexcept = default;
 SwitchState::~SwitchState() = default;
 
-std::optional<LoadError> SwitchState::Impl::canonicalize(const Json& document, const std::string& file,
+std::optional<LoadError> SwitchState::Impl::canonicalize(Json document, const std::string& file,
                                                          Json& canonical) {
   const StateSchema& schema = stateSchema();
   try {
@@ -97,13 +96,13 @@ std::optional<LoadError> SwitchState::Impl::canonicalize(const Json& document, c
                           "unknown root \"" + name + "\" (expected " + schema.rootList() + ")"};
       }
     }
-    canonical = Json::object();
+    // In place: the document becomes its canonical form without a second
+    // tree beside it.
     for (const auto& root : schema.roots) {
-      const auto given = document.find(root.name);
-      canonical[root.name] = canonicalEntity(*root.type, given == document.end() ? Json::object() : *given,
-                                             JsonPointer() / root.name, "", "");
+      Json& value = document.emplace(root.name, Json::object()).first.value();
+      canonicalizeEntity(*root.type, value, JsonPointer() / root.name, "", "");
     }
-    checkReferences(canonical);
+    checkReferences(document);
   } catch (const SchemaError& error) {
     return LoadError{file, 0, error.path.to_string(), error.message};
   } catch (const nlohmann::json::exception& error) {
@@ -111,6 +110,7 @@ std::optional<LoadError> SwitchState::Impl::canonicalize(const Json& document, c
     // line of defence, so that no document can end the program.
     return LoadError{file, 0, std::nullopt, std::string("malformed document: ") + error.what()};
   }
+  canonical = std::move(document);
   return std::nullopt;
 }
 
@@ -123,7 +123,7 @@ std::optional<LoadError> SwitchState::Impl::canonicalizeText(std::string_view te
     if (!parsed.value) {
       return LoadError{file, parsed.line, std::nullopt, parsed.error};
     }
-    error = canonicalize(*parsed.value, file, canonical);
+    error = canonicalize(std::move(*parsed.value), file, canonical);
   }
   if (error && error->path) {
     error->line = JsonLineIndex(text).lineOf(JsonPointer(detail::present(error->path)));

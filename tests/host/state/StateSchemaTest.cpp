@@ -1,9 +1,12 @@
 #include "host/state/StateSchema.h"
 
+#include <cctype>
 #include <fstream>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -144,6 +147,71 @@ TEST_F(StateSchemaTest, KeysAreCanonicalisedByTheirType) {
   const Attr& prio = *status.attr("pmapType")->member->attrs.front().member->attr("classPrio");
   EXPECT_EQ(QosSnmpHost::canonicalKey(prio, "007", at), "7");
   EXPECT_THROW(QosSnmpHost::canonicalKey(prio, "4294967296", at), QosSnmpHost::SchemaError);
+}
+
+TEST_F(StateSchemaTest, CanonicalisingInPlaceMovesRenamedMembersAndFillsDefaults) {
+  const EntityType& status = *QosSnmpHost::stateSchema().root("qosStatus")->type;
+  json value =
+      json::parse(R"({"pmapType": {"1": {"pmap": {"p": {"classPrio": {"007": {"cmapName": "c"}}}}}}})");
+  QosSnmpHost::canonicalizeEntity(status, value, QosSnmpHost::JsonPointer("/qosStatus"), "", "");
+  EXPECT_EQ(value,
+            QosSnmpHost::canonicalEntity(status, json::parse(R"({"pmapType": {"mapQos": {"pmap": {"p": {
+                                                  "classPrio": {"7": {"cmapName": "c"}}}}}}})"),
+                                         QosSnmpHost::JsonPointer("/qosStatus"), "", ""));
+  EXPECT_FALSE(value.at("pmapType").contains("1"));
+  EXPECT_EQ(value.at("pmapType").at("mapQos").at("pmap").at("p").at("classPrio").at("7").at("cmapName"), "c");
+  EXPECT_EQ(value.at("pmapType").at("mapQos").at("pmap").at("p").at("type"), "mapQos") << "a default";
+  EXPECT_TRUE(value.at("cmapType").empty()) << "an absent collection";
+}
+
+TEST_F(StateSchemaTest, TwoMembersWithOneCanonicalKeyAreRefusedAtTheLaterOne) {
+  const EntityType& status = *QosSnmpHost::stateSchema().root("qosStatus")->type;
+  const Attr& pmapType = *status.attr("pmapType");
+  const Attr& prio = *pmapType.member->attrs.front().member->attr("classPrio");
+  const QosSnmpHost::JsonPointer at("/p/classPrio");
+  for (const char* written : {R"({"007": {}, "7": {}})", R"({"07": {}, "007": {}})"}) {
+    json value = json::parse(written);
+    try {
+      QosSnmpHost::canonicalizeAttr(prio, value, at, "p", "mapQos");
+      FAIL() << written;
+    } catch (const QosSnmpHost::SchemaError& error) {
+      // Members are read in the order of their keys as written.
+      const std::string later = std::string(written).find(R"("7")") != std::string::npos ? "7" : "07";
+      const std::string first = "007";
+      EXPECT_EQ(error.path.to_string(), "/p/classPrio/" + later) << written;
+      EXPECT_EQ(error.message, "duplicate member: \"" + later + "\" and \"" + first + "\" are both \"7\"")
+          << written;
+    }
+  }
+}
+
+TEST_F(StateSchemaTest, AMemberRenamedToAKeyWrittenBeforeItIsRefusedToo) {
+  // A key form whose canonical key sorts before the key as written (no
+  // form of the schema does so today): upper case.
+  Attr upper;
+  upper.name = "upper";
+  upper.kind = Attr::Kind::values;
+  upper.keyExpected = "a key";
+  upper.keyCanonical = [](std::string_view raw) -> std::optional<std::string> {
+    std::string key(raw);
+    for (char& c : key) {
+      c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    return key;
+  };
+  upper.valueExpected = [] { return std::string("anything"); };
+  upper.valueCanonical = [](const json& value) -> std::optional<json> { return value; };
+  json value = json::parse(R"({"A": 1, "a": 2})");
+  try {
+    QosSnmpHost::canonicalizeAttr(upper, value, QosSnmpHost::JsonPointer("/upper"), "", "");
+    FAIL() << "two members both \"A\"";
+  } catch (const QosSnmpHost::SchemaError& error) {
+    EXPECT_EQ(error.path.to_string(), "/upper/a");
+    EXPECT_EQ(error.message, R"(duplicate member: "a" and "A" are both "A")");
+  }
+  json renamed = json::parse(R"({"b": 1, "C": 2})");
+  QosSnmpHost::canonicalizeAttr(upper, renamed, QosSnmpHost::JsonPointer("/upper"), "", "");
+  EXPECT_EQ(renamed, json::parse(R"({"B": 1, "C": 2})"));
 }
 
 }  // namespace
