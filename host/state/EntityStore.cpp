@@ -5,8 +5,8 @@
 namespace QosSnmpHost {
 namespace {
 
-JsonPointer attrPathOf(const EntityType& type, const Attr& attr, const JsonPointer& path) {
-  return type.flat ? path : path / attr.name;
+std::string attrPathOf(const EntityType& type, const Attr& attr, const std::string& path) {
+  return type.flat ? path : pointerAppend(path, attr.name);
 }
 
 const Json& attrValueOf(const EntityType& type, const Attr& attr, const Json& canonical) {
@@ -21,13 +21,11 @@ Json freshValueOf(const Attr& attr) { return attr.isCollection() ? Json::object(
 
 Kel::Ptr<Kel::Entity> EntityStore::buildRoot(const EntityType& type, const std::string& name,
                                              const Json& canonical) {
-  return build(type.makeRoot(name), type, canonical, JsonPointer() / name);
+  return build(type.makeRoot(name), type, canonical, pointerAppend("", name));
 }
 
-Kel::Ptr<Kel::Entity> EntityStore::at(const JsonPointer& path) const { return at(path.to_string()); }
-
-Kel::Ptr<Kel::Entity> EntityStore::at(const std::string& pathText) const {
-  const auto it = byPath_.find(pathText);
+Kel::Ptr<Kel::Entity> EntityStore::at(const std::string& path) const {
+  const auto it = byPath_.find(path);
   return it == byPath_.end() ? nullptr : it->second;
 }
 
@@ -46,8 +44,8 @@ std::vector<std::string> EntityStore::paths() const {
   return paths;
 }
 
-void EntityStore::add(const JsonPointer& path, const Kel::Ptr<Kel::Entity>& entity) {
-  const auto [it, added] = byPath_.try_emplace(path.to_string(), entity);
+void EntityStore::add(const std::string& path, const Kel::Ptr<Kel::Entity>& entity) {
+  const auto [it, added] = byPath_.try_emplace(path, entity);
   if (!added) {
     pathByEntity_.erase(it->second.get());
     it->second = entity;
@@ -55,8 +53,8 @@ void EntityStore::add(const JsonPointer& path, const Kel::Ptr<Kel::Entity>& enti
   pathByEntity_[entity.get()] = &it->first;
 }
 
-void EntityStore::forget(const JsonPointer& path) {
-  const auto it = byPath_.find(path.to_string());
+void EntityStore::forget(const std::string& path) {
+  const auto it = byPath_.find(path);
   if (it != byPath_.end()) {
     pathByEntity_.erase(it->second.get());
     byPath_.erase(it);
@@ -64,14 +62,14 @@ void EntityStore::forget(const JsonPointer& path) {
 }
 
 Kel::Ptr<Kel::Entity> EntityStore::build(const Kel::Ptr<Kel::Entity>& entity, const EntityType& type,
-                                         const Json& canonical, const JsonPointer& path) {
+                                         const Json& canonical, const std::string& path) {
   add(path, entity);
   fill(*entity, type, canonical, path);
   return entity;
 }
 
 void EntityStore::fill(Kel::Entity& entity, const EntityType& type, const Json& canonical,
-                       const JsonPointer& path) {
+                       const std::string& path) {
   for (const auto& attr : type.attrs) {
     const Json& value = attrValueOf(type, attr, canonical);
     if (attr.kind == Attr::Kind::scalar) {
@@ -83,7 +81,7 @@ void EntityStore::fill(Kel::Entity& entity, const EntityType& type, const Json& 
 }
 
 void EntityStore::update(Kel::Entity& entity, const EntityType& type, const Json& before, const Json& after,
-                         const JsonPointer& path) {
+                         const std::string& path) {
   for (const auto& attr : type.attrs) {
     const Json& was = attrValueOf(type, attr, before);
     const Json& now = attrValueOf(type, attr, after);
@@ -94,7 +92,7 @@ void EntityStore::update(Kel::Entity& entity, const EntityType& type, const Json
 }
 
 void EntityStore::updateAttr(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
-                             const JsonPointer& holderPath, const JsonPointer& attrPath) {
+                             const std::string& holderPath, const std::string& attrPath) {
   switch (attr.kind) {
     case Attr::Kind::scalar:
       if (before != after) {
@@ -113,20 +111,20 @@ void EntityStore::updateAttr(Kel::Entity& holder, const Attr& attr, const Json& 
 }
 
 void EntityStore::updateCollection(Kel::Entity& holder, const Attr& attr, const Json& before,
-                                   const Json& after, const JsonPointer& attrPath) {
+                                   const Json& after, const std::string& attrPath) {
   for (const auto& [key, was] : before.items()) {
     if (!after.contains(key)) {
-      deleteMember(holder, attr, key, was, attrPath / key);
+      deleteMember(holder, attr, key, was, pointerAppend(attrPath, key));
     }
   }
   for (const auto& [key, now] : after.items()) {
     const auto was = before.find(key);
-    setMember(holder, attr, key, was == before.end() ? nullptr : &*was, now, attrPath / key);
+    setMember(holder, attr, key, was == before.end() ? nullptr : &*was, now, pointerAppend(attrPath, key));
   }
 }
 
 void EntityStore::setMember(Kel::Entity& holder, const Attr& attr, const std::string& key, const Json* before,
-                            const Json& after, const JsonPointer& memberPath) {
+                            const Json& after, const std::string& memberPath) {
   if (before != nullptr && *before == after) {
     return;
   }
@@ -143,7 +141,7 @@ void EntityStore::setMember(Kel::Entity& holder, const Attr& attr, const std::st
 }
 
 void EntityStore::deleteMember(Kel::Entity& holder, const Attr& attr, const std::string& key,
-                               const Json& before, const JsonPointer& memberPath) {
+                               const Json& before, const std::string& memberPath) {
   if (attr.kind == Attr::Kind::entities) {
     empty(*at(memberPath), *attr.member, before, memberPath);
   }
@@ -154,7 +152,7 @@ void EntityStore::deleteMember(Kel::Entity& holder, const Attr& attr, const std:
 }
 
 void EntityStore::empty(Kel::Entity& entity, const EntityType& type, const Json& canonical,
-                        const JsonPointer& path) {
+                        const std::string& path) {
   for (const auto& attr : type.attrs) {
     const Json& value = attrValueOf(type, attr, canonical);
     if (attr.isEntityValued() && !value.is_null()) {
@@ -163,24 +161,24 @@ void EntityStore::empty(Kel::Entity& entity, const EntityType& type, const Json&
   }
   for (const auto& attr : type.attrs) {
     if (attr.isCollection()) {
-      const JsonPointer attrPath = attrPathOf(type, attr, path);
+      const std::string attrPath = attrPathOf(type, attr, path);
       for (const auto& [key, member] : attrValueOf(type, attr, canonical).items()) {
-        deleteMember(entity, attr, key, member, attrPath / key);
+        deleteMember(entity, attr, key, member, pointerAppend(attrPath, key));
       }
     }
   }
 }
 
 void EntityStore::dropOwned(Kel::Entity& holder, const Attr& attr, const Json& before,
-                            const JsonPointer& attrPath) {
+                            const std::string& attrPath) {
   empty(*at(attrPath), *attr.member, before, attrPath);
   attr.setEntity(holder, nullptr);
   forget(attrPath);
 }
 
 void EntityStore::updateEntityValued(Kel::Entity& holder, const Attr& attr, const Json& before,
-                                     const Json& after, const JsonPointer& holderPath,
-                                     const JsonPointer& attrPath) {
+                                     const Json& after, const std::string& holderPath,
+                                     const std::string& attrPath) {
   if (before == after) {
     return;
   }
@@ -193,7 +191,8 @@ void EntityStore::updateEntityValued(Kel::Entity& holder, const Attr& attr, cons
     dropOwned(holder, attr, before, attrPath);
   }
   if (after.is_string()) {
-    attr.setEntity(holder, at(attr.referencePath(holderPath, after.get<std::string>())));
+    attr.setEntity(holder,
+                   at(attr.referencePath(JsonPointer(holderPath), after.get<std::string>()).to_string()));
   } else if (after.is_object()) {
     const auto& name = after.at("name").get_ref<const std::string&>();
     attr.setEntity(holder, build(attr.makeMember(name), *attr.member, after, attrPath));

@@ -18,7 +18,7 @@
 // referenced collection before the attribute that refers to it.
 //
 // The canonical values given must fit the schema (see StateSchema); the
-// store does not validate.
+// store does not validate. Paths are given as JSON Pointer text.
 #pragma once
 
 #include <string>
@@ -36,10 +36,8 @@ class EntityStore {
   // Makes the root entity of `type` and fills it from its canonical form.
   Kel::Ptr<Kel::Entity> buildRoot(const EntityType& type, const std::string& name, const Json& canonical);
 
-  // The live entity at `path`; null when there is none.
-  Kel::Ptr<Kel::Entity> at(const JsonPointer& path) const;
-  // The same for the path's JSON Pointer text.
-  Kel::Ptr<Kel::Entity> at(const std::string& pathText) const;
+  // The live entity at the JSON Pointer text `path`; null when there is none.
+  Kel::Ptr<Kel::Entity> at(const std::string& path) const;
   // The canonical path of a live entity; nullptr when it is not (or no
   // longer) part of the state.
   const std::string* pathOf(const Kel::Entity* entity) const;
@@ -49,31 +47,31 @@ class EntityStore {
   // Brings `entity` (of `type`, at `path`) from canonical form `before` to
   // `after` in place.
   void update(Kel::Entity& entity, const EntityType& type, const Json& before, const Json& after,
-              const JsonPointer& path);
+              const std::string& path);
   // Brings attribute `attr` of `holder` (at `holderPath`) from `before` to
   // `after`.
   void updateAttr(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
-                  const JsonPointer& holderPath, const JsonPointer& attrPath);
+                  const std::string& holderPath, const std::string& attrPath);
   // Sets member `key` of collection `attr` of `holder` to `after`: adds it
   // when `before` is null, else updates it in place.
   void setMember(Kel::Entity& holder, const Attr& attr, const std::string& key, const Json* before,
-                 const Json& after, const JsonPointer& memberPath);
+                 const Json& after, const std::string& memberPath);
   // Removes member `key` (canonical form `before`) of collection `attr`.
   void deleteMember(Kel::Entity& holder, const Attr& attr, const std::string& key, const Json& before,
-                    const JsonPointer& memberPath);
+                    const std::string& memberPath);
 
  private:
-  void add(const JsonPointer& path, const Kel::Ptr<Kel::Entity>& entity);
-  void forget(const JsonPointer& path);
+  void add(const std::string& path, const Kel::Ptr<Kel::Entity>& entity);
+  void forget(const std::string& path);
   Kel::Ptr<Kel::Entity> build(const Kel::Ptr<Kel::Entity>& entity, const EntityType& type,
-                              const Json& canonical, const JsonPointer& path);
-  void fill(Kel::Entity& entity, const EntityType& type, const Json& canonical, const JsonPointer& path);
-  void empty(Kel::Entity& entity, const EntityType& type, const Json& canonical, const JsonPointer& path);
+                              const Json& canonical, const std::string& path);
+  void fill(Kel::Entity& entity, const EntityType& type, const Json& canonical, const std::string& path);
+  void empty(Kel::Entity& entity, const EntityType& type, const Json& canonical, const std::string& path);
   void updateEntityValued(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
-                          const JsonPointer& holderPath, const JsonPointer& attrPath);
-  void dropOwned(Kel::Entity& holder, const Attr& attr, const Json& before, const JsonPointer& attrPath);
+                          const std::string& holderPath, const std::string& attrPath);
+  void dropOwned(Kel::Entity& holder, const Attr& attr, const Json& before, const std::string& attrPath);
   void updateCollection(Kel::Entity& holder, const Attr& attr, const Json& before, const Json& after,
-                        const JsonPointer& attrPath);
+                        const std::string& attrPath);
 
   // Every live entity by its path, and back: each path is stored once, as
   // a key of byPath_ (whose nodes, and so keys, stay where they are until

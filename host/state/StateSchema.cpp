@@ -565,6 +565,20 @@ const StateSchema& stateSchema() {
   return kTables.schema;
 }
 
+std::string pointerAppend(std::string text, std::string_view key) {
+  text += '/';
+  for (const char c : key) {
+    if (c == '~') {
+      text += "~0";
+    } else if (c == '/') {
+      text += "~1";
+    } else {
+      text += c;
+    }
+  }
+  return text;
+}
+
 std::string canonicalKey(const Attr& attr, std::string_view raw, const JsonPointer& path) {
   auto key = attr.keyCanonical(raw);
   if (!key) {

@@ -144,6 +144,9 @@ void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, co
                       const std::string& holderOwnerKey);
 void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,
                         const std::string& holderKey);
+// The JSON Pointer text `text` followed by the segment `key`, escaped ("~"
+// as "~0", "/" as "~1").
+std::string pointerAppend(std::string text, std::string_view key);
 // The canonical key of a collection member, as written `raw`.
 std::string canonicalKey(const Attr& attr, std::string_view raw, const JsonPointer& path);
 // The attribute's canonical value when the document does not give it.

@@ -7,22 +7,6 @@
 namespace QosSnmpHost {
 namespace {
 
-// `text` followed by the JSON Pointer segment of `key` ("~" as "~0", "/" as
-// "~1").
-std::string appendSegment(std::string text, std::string_view key) {
-  text += '/';
-  for (const char c : key) {
-    if (c == '~') {
-      text += "~0";
-    } else if (c == '/') {
-      text += "~1";
-    } else {
-      text += c;
-    }
-  }
-  return text;
-}
-
 // Walks a path down the schema and the document, one entity at a time. The
 // canonical segments grow as it goes; the target's pointers are made from
 // them once, at the end (and an error's pointer when one is thrown).
@@ -42,7 +26,7 @@ class Walk {
     }
     segments().push_back(target_.root->name);
     standOn(target_.root->type, "", "");
-    target_.holderPathText = appendSegment("", target_.root->name);
+    target_.holderPathText = pointerAppend("", target_.root->name);
     holder_ = memberOf(&document_, target_.root->name);
     while (!done()) {
       if (holder_ == nullptr) {
@@ -112,7 +96,7 @@ class Walk {
     }
     segments().push_back(target_.attr->name);
     attrDepth_ = holderDepth_ + 1;
-    attrText_ = appendSegment(target_.holderPathText, target_.attr->name);
+    attrText_ = pointerAppend(target_.holderPathText, target_.attr->name);
     attrValue_ = memberOf(holder_, target_.attr->name);
     ++at_;
     return target_.attr;
@@ -136,7 +120,7 @@ class Walk {
     target_.enclosing->holderPathText = target_.holderPathText;
     target_.enclosing->key = key;
     holder_ = memberOf(attrValue_, key);
-    target_.holderPathText = appendSegment(attrText_, key);
+    target_.holderPathText = pointerAppend(attrText_, key);
     standOn(attr.member, std::move(key), target_.holderKey);
   }
 
@@ -165,7 +149,8 @@ class Walk {
       return std::move(target_);
     }
     target_.attrPath = pointer(attrDepth_);
-    target_.pathText = target_.key ? appendSegment(attrText_, *target_.key) : attrText_;
+    target_.attrPathText = attrText_;
+    target_.pathText = target_.key ? pointerAppend(attrText_, *target_.key) : attrText_;
     target_.place = attrValue_;
     return std::move(target_);
   }

@@ -42,6 +42,7 @@ struct StateTarget {
   // The attribute; null for a root target.
   const Attr* attr = nullptr;
   JsonPointer attrPath;
+  std::string attrPathText;
   // The member's canonical key, for a member target.
   std::optional<std::string> key;
   // The nearest collection member that the holding entity is or lies in;

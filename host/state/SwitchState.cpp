@@ -311,20 +311,21 @@ void SwitchState::Impl::applyToEntities(const StateTarget& target, const Json& p
     now = it == place.end() ? nullptr : &*it;
   }
   if (target.isRoot()) {
-    store_.update(*store_.at(target.path), *target.holderType, detail::present(before), *now, target.path);
+    store_.update(*store_.at(target.pathText), *target.holderType, detail::present(before), *now,
+                  target.pathText);
     return;
   }
   Kel::Entity& holder = *store_.at(target.holderPathText);
   if (!target.isMember()) {
-    store_.updateAttr(holder, *target.attr, detail::present(before), *now, target.holderPath,
-                      target.attrPath);
+    store_.updateAttr(holder, *target.attr, detail::present(before), *now, target.holderPathText,
+                      target.attrPathText);
     notifyEnclosingMember(target);
   } else if (now != nullptr) {
     store_.setMember(holder, *target.attr, detail::present(target.key), before ? &*before : nullptr, *now,
-                     target.path);
+                     target.pathText);
   } else {
     store_.deleteMember(holder, *target.attr, detail::present(target.key), detail::present(before),
-                        target.path);
+                        target.pathText);
   }
 }
 
@@ -379,11 +380,7 @@ std::string SwitchState::pathOf(const Kel::Entity* entity) const {
 }
 
 Kel::Ptr<const Kel::Entity> SwitchState::entityAt(const std::string& path) const {
-  try {
-    return impl_->store_.at(JsonPointer(path));
-  } catch (const nlohmann::json::exception&) {
-    return nullptr;
-  }
+  return impl_->store_.at(path);
 }
 
 std::vector<std::string> SwitchState::entityPaths() const { return impl_->store_.paths(); }
