@@ -471,55 +471,6 @@ SchemaError mismatch(const JsonPointer& path, const std::string& expected, const
   return SchemaError{path, "expected " + expected + ", got " + detail::shown(got)};
 }
 
-// A name is its own canonical form: checked, not changed.
-void checkName(const Json& input, const JsonPointer& path, const std::string& what) {
-  if (!input.is_string() || input.get_ref<const std::string&>().empty()) {
-    throw mismatch(path, what, input);
-  }
-}
-
-// `members` (an object, still as written) in canonical form, in place.
-// Members are read in the order of their keys as written; the first one
-// that does not fit, or whose canonical key another one already has, is
-// the error. Keys written canonically stay where they are; the others are
-// moved to their canonical key once every member fits.
-void canonicalizeCollection(const Attr& attr, Json& members, const JsonPointer& path,
-                            const std::string& holderKey) {
-  if (!members.is_object()) {
-    throw mismatch(path, "an object of members keyed by " + attr.keyExpected, members);
-  }
-  // The raw key of each member whose canonical key differs, by that key.
-  std::map<std::string, std::string> rawOfRenamed;
-  for (auto& [raw, value] : members.items()) {
-    const JsonPointer memberPath = path / raw;
-    std::string key = canonicalKey(attr, raw, memberPath);
-    // A member that came before with the same canonical key: one renamed
-    // to it, or one written with it.
-    std::optional<std::string> earlier;
-    if (const auto renamed = rawOfRenamed.find(key); renamed != rawOfRenamed.end()) {
-      earlier = renamed->second;
-    } else if (key < raw && members.contains(key)) {
-      earlier = key;
-    }
-    if (earlier) {
-      std::string message = "duplicate member: \"" + raw;
-      message += "\" and \"" + *earlier;
-      message += "\" are both \"" + key + "\"";
-      throw SchemaError{memberPath, std::move(message)};
-    }
-    canonicalizeMember(attr, value, memberPath, key, holderKey);
-    if (key != raw) {
-      rawOfRenamed.emplace(std::move(key), raw);
-    }
-  }
-  auto& object = members.get_ref<Json::object_t&>();
-  for (const auto& [key, raw] : rawOfRenamed) {
-    auto node = object.extract(raw);
-    node.key() = key;
-    object.insert(std::move(node));
-  }
-}
-
 }  // namespace
 
 const Attr* EntityType::attr(std::string_view attrName) const {
@@ -602,28 +553,146 @@ Json defaultOf(const Attr& attr, const std::string& holderOwnerKey) {
   return nullptr;
 }
 
-void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
-                        const std::string& ownKey, const std::string& ownerKey) {
+namespace {
+
+// Where a value being made canonical stands: a chain of segments below a
+// known pointer, made into a JSON Pointer only when an error names it, so
+// that a document that fits costs no paths.
+struct Place {
+  const JsonPointer* base = nullptr;
+  const Place* parent = nullptr;
+  std::string_view segment;
+
+  Place below(std::string_view child) const { return Place{nullptr, this, child}; }
+  JsonPointer pointer() const {
+    std::vector<std::string_view> segments;
+    const Place* at = this;
+    for (; at->parent != nullptr; at = at->parent) {
+      segments.push_back(at->segment);
+    }
+    JsonPointer made = *at->base;
+    for (auto it = segments.rbegin(); it != segments.rend(); ++it) {
+      made.push_back(std::string(*it));
+    }
+    return made;
+  }
+};
+
+// A name is its own canonical form: checked, not changed.
+void checkName(const Json& input, const Place& place, const std::string& what) {
+  if (!input.is_string() || input.get_ref<const std::string&>().empty()) {
+    throw mismatch(place.pointer(), what, input);
+  }
+}
+
+void entityIn(const EntityType& type, Json& value, const Place& place, const std::string& ownKey,
+              const std::string& ownerKey);
+
+void memberIn(const Attr& attr, Json& value, const Place& place, const std::string& key,
+              const std::string& holderKey) {
+  if (attr.kind == Attr::Kind::values) {
+    if (auto canonical = attr.valueCanonical(value)) {
+      value = std::move(*canonical);
+      return;
+    }
+    throw mismatch(place.pointer(), attr.valueExpected(), value);
+  }
+  entityIn(*attr.member, value, place, key, holderKey);
+}
+
+// `members` (an object, still as written) in canonical form, in place.
+// Members are read in the order of their keys as written; the first one
+// that does not fit, or whose canonical key another one already has, is
+// the error. Keys written canonically stay where they are; the others are
+// moved to their canonical key once every member fits.
+void collectionIn(const Attr& attr, Json& members, const Place& place, const std::string& holderKey) {
+  if (!members.is_object()) {
+    throw mismatch(place.pointer(), "an object of members keyed by " + attr.keyExpected, members);
+  }
+  // The raw key of each member whose canonical key differs, by that key.
+  std::map<std::string, std::string> rawOfRenamed;
+  for (auto& [raw, value] : members.items()) {
+    const Place memberPlace = place.below(raw);
+    std::optional<std::string> canonical = attr.keyCanonical(raw);
+    std::string key = canonical ? std::move(*canonical) : canonicalKey(attr, raw, memberPlace.pointer());
+    // A member that came before with the same canonical key: one renamed
+    // to it, or one written with it.
+    std::optional<std::string> earlier;
+    if (const auto renamed = rawOfRenamed.find(key); renamed != rawOfRenamed.end()) {
+      earlier = renamed->second;
+    } else if (key < raw && members.contains(key)) {
+      earlier = key;
+    }
+    if (earlier) {
+      std::string message = "duplicate member: \"" + raw;
+      message += "\" and \"" + *earlier;
+      message += "\" are both \"" + key + "\"";
+      throw SchemaError{memberPlace.pointer(), std::move(message)};
+    }
+    memberIn(attr, value, memberPlace, key, holderKey);
+    if (key != raw) {
+      rawOfRenamed.emplace(std::move(key), raw);
+    }
+  }
+  auto& object = members.get_ref<Json::object_t&>();
+  for (const auto& [key, raw] : rawOfRenamed) {
+    auto node = object.extract(raw);
+    node.key() = key;
+    object.insert(std::move(node));
+  }
+}
+
+void attrIn(const Attr& attr, Json& value, const Place& place, const std::string& holderKey) {
+  switch (attr.kind) {
+    case Attr::Kind::scalar:
+      if (auto canonical = attr.valueCanonical(value)) {
+        value = std::move(*canonical);
+        return;
+      }
+      throw mismatch(place.pointer(), attr.valueExpected(), value);
+    case Attr::Kind::values:
+    case Attr::Kind::entities:
+      collectionIn(attr, value, place, holderKey);
+      return;
+    case Attr::Kind::reference:
+      if (!value.is_null()) {
+        checkName(value, place, "null or a " + attr.referenceNoun + " name (a non-empty string)");
+      }
+      return;
+    case Attr::Kind::entityOrReference:
+      if (value.is_object()) {
+        entityIn(*attr.member, value, place, "", holderKey);
+      } else if (!value.is_null()) {
+        checkName(value, place,
+                  "null, a " + attr.referenceNoun + " name (a non-empty string) or a " + attr.member->name +
+                      " object with its \"name\"");
+      }
+      return;
+  }
+}
+
+void entityIn(const EntityType& type, Json& value, const Place& place, const std::string& ownKey,
+              const std::string& ownerKey) {
   if (type.flat) {
-    canonicalizeCollection(type.attrs.front(), value, path, ownKey);
+    collectionIn(type.attrs.front(), value, place, ownKey);
     return;
   }
   if (!value.is_object()) {
-    throw mismatch(path, "a " + type.name + " (an object with " + type.attrList() + ")", value);
+    throw mismatch(place.pointer(), "a " + type.name + " (an object with " + type.attrList() + ")", value);
   }
   for (const auto& [name, member] : value.items()) {
     if (type.attr(name) == nullptr && !(type.named && name == "name")) {
-      throw SchemaError{path / name, "unknown attribute \"" + name + "\" of " + type.name + " (expected " +
-                                         type.attrList() + ")"};
+      throw SchemaError{place.below(name).pointer(), "unknown attribute \"" + name + "\" of " + type.name +
+                                                         " (expected " + type.attrList() + ")"};
     }
   }
   std::string key = ownKey;
   if (type.named) {
     const auto name = value.find("name");
     if (name == value.end()) {
-      throw SchemaError{path, "a " + type.name + " object needs its \"name\""};
+      throw SchemaError{place.pointer(), "a " + type.name + " object needs its \"name\""};
     }
-    checkName(*name, path / "name", "a name (a non-empty string)");
+    checkName(*name, place.below("name"), "a name (a non-empty string)");
     key = name->get<std::string>();
   }
   for (const auto& attr : type.attrs) {
@@ -631,52 +700,26 @@ void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& 
     if (given == value.end()) {
       value.emplace(attr.name, defaultOf(attr, ownerKey));
     } else {
-      canonicalizeAttr(attr, *given, path / attr.name, key, ownerKey);
+      attrIn(attr, *given, place.below(attr.name), key);
     }
   }
 }
 
+}  // namespace
+
+void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
+                        const std::string& ownKey, const std::string& ownerKey) {
+  entityIn(type, value, Place{&path, nullptr, {}}, ownKey, ownerKey);
+}
+
 void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, const std::string& holderKey,
-                      const std::string& holderOwnerKey) {
-  switch (attr.kind) {
-    case Attr::Kind::scalar:
-      if (auto canonical = attr.valueCanonical(value)) {
-        value = std::move(*canonical);
-        return;
-      }
-      throw mismatch(path, attr.valueExpected(), value);
-    case Attr::Kind::values:
-    case Attr::Kind::entities:
-      canonicalizeCollection(attr, value, path, holderKey);
-      return;
-    case Attr::Kind::reference:
-      if (!value.is_null()) {
-        checkName(value, path, "null or a " + attr.referenceNoun + " name (a non-empty string)");
-      }
-      return;
-    case Attr::Kind::entityOrReference:
-      if (value.is_object()) {
-        canonicalizeEntity(*attr.member, value, path, "", holderKey);
-      } else if (!value.is_null()) {
-        checkName(value, path,
-                  "null, a " + attr.referenceNoun + " name (a non-empty string) or a " + attr.member->name +
-                      " object with its \"name\"");
-      }
-      return;
-  }
-  (void)holderOwnerKey;
+                      const std::string& /*holderOwnerKey*/) {
+  attrIn(attr, value, Place{&path, nullptr, {}}, holderKey);
 }
 
 void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,
                         const std::string& holderKey) {
-  if (attr.kind == Attr::Kind::values) {
-    if (auto canonical = attr.valueCanonical(value)) {
-      value = std::move(*canonical);
-      return;
-    }
-    throw mismatch(path, attr.valueExpected(), value);
-  }
-  canonicalizeEntity(*attr.member, value, path, key, holderKey);
+  memberIn(attr, value, Place{&path, nullptr, {}}, key, holderKey);
 }
 
 Json canonicalEntity(const EntityType& type, const Json& input, const JsonPointer& path,
