@@ -19,6 +19,11 @@ Json freshValueOf(const Attr& attr) { return attr.isCollection() ? Json::object(
 
 }  // namespace
 
+void EntityStore::reserve(std::size_t entities) {
+  byPath_.reserve(entities);
+  pathByEntity_.reserve(entities);
+}
+
 Kel::Ptr<Kel::Entity> EntityStore::buildRoot(const EntityType& type, const std::string& name,
                                              const Json& canonical) {
   return build(type.makeRoot(name), type, canonical, pointerAppend("", name));

@@ -21,6 +21,7 @@
 // store does not validate. Paths are given as JSON Pointer text.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -33,6 +34,9 @@ namespace QosSnmpHost {
 
 class EntityStore {
  public:
+  // Makes room for `entities` live entities in all, so that building a
+  // whole state does not grow the index step by step.
+  void reserve(std::size_t entities);
   // Makes the root entity of `type` and fills it from its canonical form.
   Kel::Ptr<Kel::Entity> buildRoot(const EntityType& type, const std::string& name, const Json& canonical);
 

@@ -562,8 +562,10 @@ struct Place {
   const JsonPointer* base = nullptr;
   const Place* parent = nullptr;
   std::string_view segment;
+  // Counts the entities read, when not null.
+  std::size_t* entities = nullptr;
 
-  Place below(std::string_view child) const { return Place{nullptr, this, child}; }
+  Place below(std::string_view child) const { return Place{nullptr, this, child, entities}; }
   JsonPointer pointer() const {
     std::vector<std::string_view> segments;
     const Place* at = this;
@@ -673,6 +675,9 @@ void attrIn(const Attr& attr, Json& value, const Place& place, const std::string
 
 void entityIn(const EntityType& type, Json& value, const Place& place, const std::string& ownKey,
               const std::string& ownerKey) {
+  if (place.entities != nullptr) {
+    ++*place.entities;
+  }
   if (type.flat) {
     collectionIn(type.attrs.front(), value, place, ownKey);
     return;
@@ -708,18 +713,18 @@ void entityIn(const EntityType& type, Json& value, const Place& place, const std
 }  // namespace
 
 void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
-                        const std::string& ownKey, const std::string& ownerKey) {
-  entityIn(type, value, Place{&path, nullptr, {}}, ownKey, ownerKey);
+                        const std::string& ownKey, const std::string& ownerKey, std::size_t* entities) {
+  entityIn(type, value, Place{&path, nullptr, {}, entities}, ownKey, ownerKey);
 }
 
 void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, const std::string& holderKey,
                       const std::string& /*holderOwnerKey*/) {
-  attrIn(attr, value, Place{&path, nullptr, {}}, holderKey);
+  attrIn(attr, value, Place{&path, nullptr, {}, nullptr}, holderKey);
 }
 
 void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,
                         const std::string& holderKey) {
-  memberIn(attr, value, Place{&path, nullptr, {}}, key, holderKey);
+  memberIn(attr, value, Place{&path, nullptr, {}, nullptr}, key, holderKey);
 }
 
 Json canonicalEntity(const EntityType& type, const Json& input, const JsonPointer& path,

@@ -22,6 +22,7 @@
 // (StateCodec.h), so no entity has hand-written parsing or applying code.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -138,8 +139,11 @@ Json canonicalMember(const Attr& attr, const Json& input, const JsonPointer& pat
 // The same in place: `value` (as written) becomes its canonical form, so a
 // whole document is made canonical without a second tree. After a
 // SchemaError, `value` is partly canonical and only good for discarding.
+// `entities`, when given, counts the entities read (the value's own and
+// every one below it).
 void canonicalizeEntity(const EntityType& type, Json& value, const JsonPointer& path,
-                        const std::string& ownKey, const std::string& ownerKey);
+                        const std::string& ownKey, const std::string& ownerKey,
+                        std::size_t* entities = nullptr);
 void canonicalizeAttr(const Attr& attr, Json& value, const JsonPointer& path, const std::string& holderKey,
                       const std::string& holderOwnerKey);
 void canonicalizeMember(const Attr& attr, Json& value, const JsonPointer& path, const std::string& key,

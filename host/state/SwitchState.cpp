@@ -55,14 +55,19 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   bool fromFile_ = false;
   InputLimits limits_;
 
+  // A document in canonical form, and how many entities it holds.
+  struct Canonical {
+    Json document;
+    std::size_t entities = 0;
+  };
   // The canonical form of a parsed document into `canonical`; the error
   // (without a line) if it does not fit.
-  static std::optional<LoadError> canonicalize(Json document, const std::string& file, Json& canonical);
+  static std::optional<LoadError> canonicalize(Json document, const std::string& file, Canonical& canonical);
   // The same from the document's text, the error with its line.
   static std::optional<LoadError> canonicalizeText(std::string_view text, const std::string& file,
-                                                   const InputLimits& limits, Json& canonical);
+                                                   const InputLimits& limits, Canonical& canonical);
   // The state over a canonical document that fits the schema.
-  static SwitchState build(Json canonical, const std::string& file, const InputLimits& limits);
+  static SwitchState build(Canonical canonical, const std::string& file, const InputLimits& limits);
 
   Change applyEdit(const StateChange& change);
   std::optional<Json> afterOf(const StateTarget& target, const Json* value, const Json& place) const;
@@ -83,7 +88,7 @@ SwitchState& SwitchState::operator=(SwitchState&&) noexcept = default;
 SwitchState::~SwitchState() = default;
 
 std::optional<LoadError> SwitchState::Impl::canonicalize(Json document, const std::string& file,
-                                                         Json& canonical) {
+                                                         Canonical& canonical) {
   const StateSchema& schema = stateSchema();
   try {
     if (!document.is_object()) {
@@ -100,7 +105,7 @@ std::optional<LoadError> SwitchState::Impl::canonicalize(Json document, const st
     // tree beside it.
     for (const auto& root : schema.roots) {
       Json& value = document.emplace(root.name, Json::object()).first.value();
-      canonicalizeEntity(*root.type, value, JsonPointer() / root.name, "", "");
+      canonicalizeEntity(*root.type, value, JsonPointer() / root.name, "", "", &canonical.entities);
     }
     checkReferences(document);
   } catch (const SchemaError& error) {
@@ -110,12 +115,13 @@ std::optional<LoadError> SwitchState::Impl::canonicalize(Json document, const st
     // line of defence, so that no document can end the program.
     return LoadError{file, 0, std::nullopt, std::string("malformed document: ") + error.what()};
   }
-  canonical = std::move(document);
+  canonical.document = std::move(document);
   return std::nullopt;
 }
 
 std::optional<LoadError> SwitchState::Impl::canonicalizeText(std::string_view text, const std::string& file,
-                                                             const InputLimits& limits, Json& canonical) {
+                                                             const InputLimits& limits,
+                                                             Canonical& canonical) {
   std::optional<LoadError> error;
   {
     // The parsed document is gone once its canonical form is made.
@@ -131,11 +137,13 @@ std::optional<LoadError> SwitchState::Impl::canonicalizeText(std::string_view te
   return error;
 }
 
-SwitchState SwitchState::Impl::build(Json canonical, const std::string& file, const InputLimits& limits) {
+SwitchState SwitchState::Impl::build(Canonical canonical, const std::string& file,
+                                     const InputLimits& limits) {
   auto impl = std::make_unique<Impl>();
   impl->file_ = file;
   impl->limits_ = limits;
-  impl->document_ = std::move(canonical);
+  impl->document_ = std::move(canonical.document);
+  impl->store_.reserve(canonical.entities);
   for (const auto& root : stateSchema().roots) {
     impl->roots_.push_back(impl->store_.buildRoot(*root.type, root.name, impl->document_.at(root.name)));
   }
@@ -143,7 +151,7 @@ SwitchState SwitchState::Impl::build(Json canonical, const std::string& file, co
 }
 
 Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std::string& file) {
-  Json canonical;
+  Impl::Canonical canonical;
   if (auto error = Impl::canonicalize(document, file, canonical)) {
     return std::move(*error);
   }
@@ -152,7 +160,7 @@ Result<SwitchState> SwitchState::load(const nlohmann::json& document, const std:
 
 Result<SwitchState> SwitchState::loadText(std::string_view text, const std::string& file,
                                           const InputLimits& limits) {
-  Json canonical;
+  Impl::Canonical canonical;
   if (auto error = Impl::canonicalizeText(text, file, limits, canonical)) {
     return std::move(*error);
   }
@@ -160,7 +168,7 @@ Result<SwitchState> SwitchState::loadText(std::string_view text, const std::stri
 }
 
 Result<SwitchState> SwitchState::loadFile(const std::string& path, const InputLimits& limits) {
-  Json canonical;
+  Impl::Canonical canonical;
   {
     // The text is gone before the entities are built: at switch scale it
     // and the parsed document would otherwise be most of the peak.

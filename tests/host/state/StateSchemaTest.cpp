@@ -214,4 +214,18 @@ TEST_F(StateSchemaTest, AMemberRenamedToAKeyWrittenBeforeItIsRefusedToo) {
   EXPECT_EQ(renamed, json::parse(R"({"B": 1, "C": 2})"));
 }
 
+TEST_F(StateSchemaTest, CanonicalisingADocumentCountsTheEntitiesItsStateHolds) {
+  json document = json::parse(readFile(repositoryFile("examples/leaf-switch.json")));
+  std::size_t entities = 0;
+  for (const auto& root : QosSnmpHost::stateSchema().roots) {
+    json& value = document.emplace(root.name, json::object()).first.value();
+    QosSnmpHost::canonicalizeEntity(*root.type, value, QosSnmpHost::JsonPointer() / root.name, "", "",
+                                    &entities);
+  }
+  const auto loaded = QosSnmpHost::SwitchState::loadFile(repositoryFile("examples/leaf-switch.json"));
+  ASSERT_TRUE(loaded) << loaded.error().text();
+  EXPECT_EQ(entities, loaded->entityPaths().size());
+  EXPECT_GT(entities, 100U);
+}
+
 }  // namespace
