@@ -572,9 +572,10 @@ struct Place {
     for (; at->parent != nullptr; at = at->parent) {
       segments.push_back(at->segment);
     }
+    std::reverse(segments.begin(), segments.end());
     JsonPointer made = *at->base;
-    for (auto it = segments.rbegin(); it != segments.rend(); ++it) {
-      made.push_back(std::string(*it));
+    for (const std::string_view segment : segments) {
+      made.push_back(std::string(segment));
     }
     return made;
   }

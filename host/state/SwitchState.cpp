@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -56,6 +55,7 @@ class SwitchState::Impl {  // NOLINT(bugprone-exception-escape): nlohmann::json 
   InputLimits limits_;
 
   // A document in canonical form, and how many entities it holds.
+  // NOLINTNEXTLINE(bugprone-exception-escape): nlohmann::json member; its moves do not throw
   struct Canonical {
     Json document;
     std::size_t entities = 0;

@@ -177,10 +177,10 @@ TEST_F(StateSchemaTest, TwoMembersWithOneCanonicalKeyAreRefusedAtTheLaterOne) {
     } catch (const QosSnmpHost::SchemaError& error) {
       // Members are read in the order of their keys as written.
       const std::string later = std::string(written).find(R"("7")") != std::string::npos ? "7" : "07";
-      const std::string first = "007";
       EXPECT_EQ(error.path.to_string(), "/p/classPrio/" + later) << written;
-      EXPECT_EQ(error.message, "duplicate member: \"" + later + "\" and \"" + first + "\" are both \"7\"")
-          << written;
+      std::string message = "duplicate member: \"" + later;
+      message += R"(" and "007" are both "7")";
+      EXPECT_EQ(error.message, message) << written;
     }
   }
 }
