@@ -49,7 +49,7 @@
 //   VarBind vb = view.next(MibView::objectsOid());   // first instance
 //   while (vb.exception == SnmpException::none) {
 //     std::cout << MibView::render(vb) << '\n';      // qosClassMapCpType.3.99.109.49.1 = 1
-//     vb = view.next(vb.oid);
+//     view.next(vb.oid, vb);                         // reuses vb's storage
 //   }
 #pragma once
 
@@ -166,6 +166,13 @@ class MibView {
   // oid, or endOfMibView. Any oid is accepted: before the module, inside it
   // (whole, partial, malformed index) or after it.
   VarBind next(OidSpan oid) const;
+  // The same answers written into `into`, whose OID and text storage is
+  // reused: a caller that keeps one VarBind across queries (the SNMP front
+  // end, once per varbind) allocates nothing once that storage has grown.
+  // Every field of `into` is overwritten. oid may view into.oid itself
+  // (view.next(vb.oid, vb) steps a walk).
+  void get(OidSpan oid, VarBind& into) const;
+  void next(OidSpan oid, VarBind& into) const;
 
   // "qosClassMapCpType.3.99.109.49.1": the column's name and the index
   // sub-identifiers; an OID that names no column is written dotted.

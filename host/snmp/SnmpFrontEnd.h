@@ -186,7 +186,10 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
   bool subagentConnected_ = false;
   bool everConnected_ = false;
   std::chrono::steady_clock::time_point lostAt_;
-  Oid requested_;  // scratch: the OID of the varbind being answered
+  // Scratch, reused across varbinds: the OID of the varbind being answered
+  // and the view's answer.
+  Oid requested_;
+  VarBind answer_;
 };
 
 }  // namespace QosSnmpHost

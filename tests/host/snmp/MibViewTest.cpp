@@ -569,6 +569,110 @@ TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileRowsComeAndGo) {
   EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
 }
 
+TEST_F(MibViewTest, AnswersIntoAReusedVarBindMatchAFreshViewWhileRowsComeAndGo) {
+  // One VarBind carries the walk, as the front end keeps one across
+  // varbinds: every step is written over the previous answer (longer and
+  // shorter OIDs and texts, other types, exceptions), and a GET between the
+  // steps writes over a second reused VarBind.
+  const std::string longCmap = "class-" + std::string(60, 'c');
+  VarBind vb;
+  view_.next(Oid{}, vb);
+  VarBind got;
+  int steps = 0;
+  for (int step = 0; vb.exception == SnmpException::none && step < 100000; ++step, ++steps) {
+    switch (step) {
+      case 0:  // after the walk's first row: a row with a long full name
+        mib_->classMapTableIs({QosSnmp::uniqueId(Kel::String(longCmap)), Qos::mapQos_},
+                              Kel::make<Qos::ClassMapStatus>(Kel::String(longCmap)));
+        break;
+      case 2:  // the row the walk would visit next
+        mib_->classMapTableDel({"copp-system-bgp", Qos::mapControlPlane_});
+        break;
+      case 5:
+        mib_->classMapTableIs({"cm0", Qos::mapQos_}, cm1_);
+        break;
+      default:
+        break;
+    }
+    const Oid asked = vb.oid;
+    const VarBind expected = MibView(*mib_).next(asked);
+    view_.next(vb.oid, vb);
+    ASSERT_EQ(vb.oid, expected.oid) << "step " << step;
+    ASSERT_EQ(vb.exception, expected.exception) << "step " << step;
+    ASSERT_EQ(vb.value, expected.value) << "step " << step;
+    // GET of the instance just answered, of one that is not there, and of
+    // something that is no column.
+    for (const Oid& probe : {vb.oid, cat({vb.oid, {0}}), cat({kObjects, {3, 1, 1}})}) {
+      view_.get(probe, got);
+      const VarBind fresh = MibView(*mib_).get(probe);
+      ASSERT_EQ(got.oid, fresh.oid) << "step " << step;
+      ASSERT_EQ(got.exception, fresh.exception) << "step " << step;
+      ASSERT_EQ(got.value, fresh.value) << "step " << step;
+    }
+  }
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(steps + 1, static_cast<int>(expectedInstances(*mib_).size()));
+}
+
+TEST_F(MibViewTest, AnswerIntoAVarBindOverwritesEveryField) {
+  const Oid instanceOid = instance(kClassMapTable, 3, cat({nameOid("cm1"), {1}}));
+  const Oid missing = instance(kClassMapTable, 3, cat({nameOid("cm9"), {1}}));
+  const Oid scalar = cat({kObjects, {kAgentGroup, 1, 0}});
+  auto stale = [] {
+    VarBind vb;
+    vb.oid = Oid(200, 7);
+    vb.exception = SnmpException::noSuchObject;
+    vb.value = SnmpValue::octetStringIs(std::string(300, 'x'));
+    vb.value.integer = -5;
+    vb.value.number = 99;
+    return vb;
+  };
+  const Oid last = expectedInstances(*mib_).back();
+  for (const Oid& probe : {instanceOid, missing, scalar, kObjects, last, Oid{2}}) {
+    for (const bool next : {false, true}) {
+      VarBind into = stale();
+      const VarBind fresh = next ? MibView(*mib_).next(probe) : MibView(*mib_).get(probe);
+      if (next) {
+        view_.next(probe, into);
+      } else {
+        view_.get(probe, into);
+      }
+      EXPECT_EQ(into.oid, fresh.oid) << MibView::oidName(probe) << (next ? " next" : " get");
+      EXPECT_EQ(into.exception, fresh.exception) << MibView::oidName(probe);
+      EXPECT_EQ(into.value, fresh.value) << MibView::oidName(probe);
+    }
+  }
+}
+
+TEST_F(MibViewTest, QueriesMayViewTheirOwnAnswersOid) {
+  // The OID asked may be the answer's own storage, whole or in part.
+  const std::vector<VarBind> walked = walk(view_, {});
+  VarBind vb = view_.next(Oid{});
+  for (std::size_t i = 1; i < walked.size(); ++i) {
+    view_.next(vb.oid, vb);
+    ASSERT_EQ(vb.oid, walked[i].oid);
+    ASSERT_EQ(vb.value, walked[i].value);
+  }
+  view_.next(vb.oid, vb);
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(vb.oid, walked.back().oid);
+
+  vb = walked.front();
+  view_.get(vb.oid, vb);
+  EXPECT_EQ(vb.oid, walked.front().oid);
+  EXPECT_EQ(vb.value, walked.front().value);
+  // A prefix of itself: no instance there.
+  view_.get(OidSpan(vb.oid).first(kObjects.size() + 2), vb);
+  EXPECT_EQ(vb.exception, SnmpException::noSuchObject);
+  EXPECT_EQ(vb.oid, cat({kObjects, {kClassMapTable, 1}}));
+  // A tail of itself, which lies outside the module: nothing after it.
+  vb = walked.front();
+  const Oid tail(vb.oid.begin() + 1, vb.oid.end());
+  view_.next(OidSpan(vb.oid).subspan(1), vb);
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(vb.oid, tail);
+}
+
 TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
   const Oid last = expectedInstances(*mib_).back();
   EXPECT_EQ(view_.next(last).exception, SnmpException::endOfMibView);
