@@ -609,39 +609,103 @@ constexpr std::size_t kMaxSuffixLength = 128;
 
 }  // namespace
 
-// The last instance next() answered in a table: its row suffix, the row's
-// index and its place in the table. A GETNEXT for exactly that suffix (the
-// next step of every walk) needs no decoding of the OID: it steps to the row
-// after the kept one when no row has been deleted from the table since
-// (rows added meanwhile are found by the step), and otherwise takes the
-// upper bound of the kept index. Indexes share their names' buffers:
-// keeping one costs no allocation.
-template <typename Index, typename Rows>
-struct KeptRow {
-  Index index;
-  typename Rows::const_iterator row;
-  const Rows* rows;
-  std::size_t erasures;
+// Where a walk stands in one table, kept between GETNEXTs: the row next()
+// answered last (its suffix is the cursor's), and the table's rows in order
+// as walks met them. A GETNEXT for exactly the kept suffix, the next step of
+// every walk, needs no decoding of the OID and no comparison of indexes: it
+// steps to the row after the kept one while no row has been deleted from
+// the table since (rows added meanwhile are found by the step), and
+// otherwise seeks the suffix like any other OID.
+//
+// The order: a walk goes through a table once per column, so the first
+// column's pass records an iterator per row, and the following columns step
+// through that array instead of through the tree, and touch the next row
+// ahead of time (a prefetch). The array is in use only while it holds every
+// row of the table: recorded in one pass from the first row without a
+// deletion and not outdated since (the table's size and deletion count are
+// those it was recorded with). Otherwise the steps go through the tree and
+// the next pass from the first row records it anew. It holds at most one
+// iterator per row of the table.
+template <typename Rows>
+struct TableWalk {
+  using Iterator = typename Rows::const_iterator;
+  static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
+
+  // A row and its place in `order` (kUnknown when not known).
+  struct Place {
+    Iterator row;
+    std::size_t position;
+  };
+
+  // The table's first row, where a pass starts: recording the order then
+  // begins unless the recorded one is in use.
+  Place first(const Rows& rows) {
+    if (!ordered(rows)) {
+      order.clear();
+      orderComplete = rows.empty();
+      orderErasures = rows.erasures();
+      if (!rows.empty()) {
+        order.push_back(rows.begin());
+      }
+      // Places in the order it replaces mean nothing in this one.
+      kept.position = kUnknown;
+    }
+    return {rows.begin(), 0};
+  }
+
+  // The row after `from`.
+  Place after(const Rows& rows, const Place& from) {
+    if (from.position == kUnknown) {
+      return {std::next(from.row), kUnknown};
+    }
+    const std::size_t position = from.position + 1;
+    if (ordered(rows)) {
+      return {position < order.size() ? order[position] : rows.end(), position};
+    }
+    const Iterator row = std::next(from.row);
+    if (!orderComplete && orderErasures == rows.erasures() && position == order.size()) {
+      if (row != rows.end()) {
+        order.push_back(row);
+      } else {
+        // Rows added behind the pass are missing: then it is not complete.
+        orderComplete = order.size() == rows.size();
+      }
+    }
+    return {row, position};
+  }
+
+  // Brings the row after `at` into the cache while the answer goes out.
+  void prefetchAfter(const Rows& rows, const Place& at) const {
+    if (at.position != kUnknown && at.position + 1 < order.size() && ordered(rows)) {
+      __builtin_prefetch(&*order[at.position + 1]);
+    }
+  }
+
+  bool ordered(const Rows& rows) const {
+    return orderComplete && order.size() == rows.size() && orderErasures == rows.erasures();
+  }
+
+  const Rows* rows = nullptr;  // null: no row kept
+  Place kept{};
+  std::size_t keptErasures = 0;  // the table's deletions when `kept` was answered
+  std::vector<Iterator> order;
+  bool orderComplete = false;
+  std::size_t orderErasures = 0;
 };
 
 struct MibWalkCursor {
-  std::uint32_t table = 0;  // 0: nothing kept
+  std::uint32_t table = 0;  // the table of the suffix; 0: none
   Oid suffix;
-  std::tuple<std::optional<KeptRow<QosSnmp::ClassMapTableIndex, QosMib::ClassMapTableRows>>,
-             std::optional<KeptRow<QosSnmp::ClassMapMatchTableIndex, QosMib::ClassMapMatchTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapTableIndex, QosMib::PolicyMapTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapClassTableIndex, QosMib::PolicyMapClassTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapActionTableIndex, QosMib::PolicyMapActionTableRows>>,
-             std::optional<KeptRow<QosSnmp::QosStatsTableIndex, QosMib::QosStatsTableRows>>,
-             std::optional<KeptRow<QosSnmp::QosPolicerStatsTableIndex, QosMib::QosPolicerStatsTableRows>>,
-             std::optional<KeptRow<QosSnmp::ServicePolicyTableIndex, QosMib::ServicePolicyTableRows>>,
-             std::optional<KeptRow<Snmp::String, QosMib::EcnCounterTableRows>>,
-             std::optional<KeptRow<QosSnmp::EcnQueueCounterTableIndex, QosMib::EcnQueueCounterTableRows>>>
-      kept;
+  std::tuple<TableWalk<QosMib::ClassMapTableRows>, TableWalk<QosMib::ClassMapMatchTableRows>,
+             TableWalk<QosMib::PolicyMapTableRows>, TableWalk<QosMib::PolicyMapClassTableRows>,
+             TableWalk<QosMib::PolicyMapActionTableRows>, TableWalk<QosMib::QosStatsTableRows>,
+             TableWalk<QosMib::QosPolicerStatsTableRows>, TableWalk<QosMib::ServicePolicyTableRows>,
+             TableWalk<QosMib::EcnCounterTableRows>, TableWalk<QosMib::EcnQueueCounterTableRows>>
+      walks;
 
-  template <typename Index, typename Rows>
-  std::optional<KeptRow<Index, Rows>>& keptIn() {
-    return std::get<std::optional<KeptRow<Index, Rows>>>(kept);
+  template <typename Rows>
+  TableWalk<Rows>& walkIn() {
+    return std::get<TableWalk<Rows>>(walks);
   }
 };
 
@@ -669,37 +733,44 @@ struct TableOps {
 
   // The column's value in the first row whose suffix is strictly greater
   // than `after`, or in the column's first row when `after` is absent, into
-  // `into`; that row's suffix and index are left in `cursor`. False when
-  // there is no such row.
+  // `into`; that row is left in `cursor` (its suffix) and in the table's
+  // walk. False when there is no such row.
   static bool next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after, MibWalkCursor& cursor,
                    SnmpValue& into) {
     const auto& rows = Table::rows(ctx.mib);
-    auto it = rows.begin();
     using Rows = std::remove_cvref_t<decltype(rows)>;
-    auto& kept = cursor.keptIn<typename Table::Index, Rows>();
-    if (after && cursor.table == Table::kSubId && kept && std::ranges::equal(*after, cursor.suffix)) {
-      it = kept->rows == &rows && kept->erasures == rows.erasures() ? std::next(kept->row)
-                                                                    : rows.upperBound(kept->index);
-    } else if (after) {
+    using Walk = TableWalk<Rows>;
+    Walk& walk = cursor.walkIn<Rows>();
+    typename Walk::Place place{};
+    if (!after) {
+      place = walk.first(rows);
+    } else if (cursor.table == Table::kSubId && walk.rows == &rows && walk.keptErasures == rows.erasures() &&
+               std::ranges::equal(*after, cursor.suffix)) {
+      place = walk.after(rows, walk.kept);
+    } else {
       const auto seek = Codec::seek(*after);
       if (!seek) {
         return false;
       }
-      it = seek->bound == SeekBound::after ? rows.upperBound(seek->index) : rows.lowerBound(seek->index);
+      place = {seek->bound == SeekBound::after ? rows.upperBound(seek->index) : rows.lowerBound(seek->index),
+               Walk::kUnknown};
     }
     // Rows the MIB cannot name are not served.
-    while (it != rows.end() && !Codec::encodable(it->first)) {
-      ++it;
+    while (place.row != rows.end() && !Codec::encodable(place.row->first)) {
+      place = walk.after(rows, place);
     }
-    if (it == rows.end()) {
+    if (place.row == rows.end()) {
       return false;
     }
     // The suffix goes into the cursor's storage, reserved once.
     cursor.table = Table::kSubId;
     cursor.suffix.clear();
-    Codec::encode(it->first, cursor.suffix);
-    kept = KeptRow<typename Table::Index, Rows>{it->first, it, &rows, rows.erasures()};
-    Table::read(column, it->first, it->second, ctx, into);
+    Codec::encode(place.row->first, cursor.suffix);
+    walk.rows = &rows;
+    walk.kept = place;
+    walk.keptErasures = rows.erasures();
+    walk.prefetchAfter(rows, place);
+    Table::read(column, place.row->first, place.row->second, ctx, into);
     return true;
   }
 };

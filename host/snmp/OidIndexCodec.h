@@ -53,6 +53,7 @@ enum class FieldRead {
 template <std::size_t MaxSize>
 struct OctetStringIndexField {
   using Value = Snmp::String;
+  using Ref = const Value&;
 
   static Value min() { return {}; }
   static bool encodable(const Value& value) noexcept { return value.size() <= MaxSize; }
@@ -128,6 +129,7 @@ template <typename T, std::int64_t Min, std::int64_t Max>
 struct IntegerIndexField {
   static_assert(0 <= Min && Min <= Max && Max <= 0xFFFFFFFF, "an index integer is one sub-identifier");
   using Value = T;
+  using Ref = T;
 
   static Value min() noexcept { return static_cast<T>(Min); }
   static bool encodable(Value value) noexcept {
@@ -167,6 +169,9 @@ template <typename... Fields>
 class OidIndexCodec {
  public:
   using Values = std::tuple<typename Fields::Value...>;
+  // The fields of a record viewed in place (strings by reference), for
+  // encoding without copying them.
+  using Refs = std::tuple<typename Fields::Ref...>;
   static constexpr std::size_t kFields = sizeof...(Fields);
 
   struct Seek {
@@ -174,12 +179,15 @@ class OidIndexCodec {
     SeekBound bound;
   };
 
-  static bool encodable(const Values& values) {
+  // Tuple: Values or Refs.
+  template <typename Tuple = Values>
+  static bool encodable(const Tuple& values) {
     return forAll([&]<std::size_t I>() { return field<I>::encodable(std::get<I>(values)); });
   }
 
   // REQUIRES: encodable(values).
-  static void encode(const Values& values, Oid& out) {
+  template <typename Tuple = Values>
+  static void encode(const Tuple& values, Oid& out) {
     forAll([&]<std::size_t I>() {
       field<I>::encode(std::get<I>(values), out);
       return true;

@@ -569,6 +569,56 @@ TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileRowsComeAndGo) {
   EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
 }
 
+// The walk steps through a table's rows once per column; these changes hit
+// a pass while it records the table's order, after it completed it, and
+// while later passes use it: rows added and deleted before, at and after
+// the walk's position, and at either end of the table.
+TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileManyRowsComeAndGo) {
+  for (const unsigned seed : {1U, 2U, 3U, 4U, 5U, 6U}) {
+    QosMib& mib = *mib_;
+    std::mt19937 random(seed);
+    std::vector<QosSnmp::ClassMapTableIndex> present;
+    auto nameOf = [](int i) { return Snmp::String("cm" + std::to_string(100 + i)); };
+    for (int i = 0; i < 40; i += 2) {
+      present.emplace_back(nameOf(i), Qos::mapQos_);
+      mib.classMapTableIs(present.back(), cm1_);
+    }
+    // Seeds 1 to 3 change the table often; 4 to 6 seldom, so that whole
+    // passes use the recorded order between changes.
+    const int oneIn = seed <= 3 ? 4 : 40;
+    MibView view(mib);
+    VarBind vb;
+    view.next(Oid{}, vb);
+    int steps = 0;
+    while (vb.exception == SnmpException::none && steps < 100000) {
+      if (std::uniform_int_distribution<int>(0, oneIn - 1)(random) == 0) {
+        const int i = std::uniform_int_distribution<int>(-1, 41)(random);
+        const QosSnmp::ClassMapTableIndex index(i < 0 ? Snmp::String("a") : nameOf(i), Qos::mapQos_);
+        const auto it = std::find(present.begin(), present.end(), index);
+        if (it == present.end()) {
+          mib.classMapTableIs(index, cm1_);
+          present.push_back(index);
+        } else {
+          mib.classMapTableDel(index);
+          present.erase(it);
+        }
+      }
+      const Oid asked = vb.oid;
+      const VarBind expected = MibView(mib).next(asked);
+      view.next(vb.oid, vb);
+      ASSERT_EQ(vb.oid, expected.oid) << "seed " << seed << " step " << steps;
+      ASSERT_EQ(vb.exception, expected.exception) << "seed " << seed << " step " << steps;
+      ASSERT_EQ(vb.value, expected.value) << "seed " << seed << " step " << steps;
+      ++steps;
+    }
+    EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+    EXPECT_GT(steps, 100) << "seed " << seed;
+    for (const auto& index : present) {
+      mib.classMapTableDel(index);
+    }
+  }
+}
+
 TEST_F(MibViewTest, AnswersIntoAReusedVarBindMatchAFreshViewWhileRowsComeAndGo) {
   // One VarBind carries the walk, as the front end keeps one across
   // varbinds: every step is written over the previous answer (longer and
