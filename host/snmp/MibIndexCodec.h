@@ -149,6 +149,8 @@ struct MibIndexCodec {
   static bool encodable(const Index& index) { return Codec::encodable(Fields::values(index)); }
   // REQUIRES: encodable(index).
   static void encode(const Index& index, Oid& out) { Codec::encode(Fields::values(index), out); }
+  // Asks for the cache lines of the index's names ahead of encoding it.
+  static void prefetch(const Index& index) { Codec::prefetch(Fields::values(index)); }
   static std::optional<Index> decode(OidSpan suffix) {
     auto values = Codec::decode(suffix);
     if (!values) {

@@ -14,6 +14,7 @@
 
 #include "QosSnmp/core/QosMib.h"
 #include "QosSnmp/core/UniqueId.h"
+#include "host/snmp/CachePrefetch.h"
 #include "host/snmp/MibAgentStatus.h"
 #include "host/snmp/MibIndexCodec.h"
 
@@ -626,14 +627,6 @@ constexpr std::size_t kMaxSuffixLength = 128;
 // those it was recorded with). Otherwise the steps go through the tree and
 // the next pass from the first row records it anew. It holds at most one
 // iterator per row of the table.
-// Asks for the cache line at `address` ahead of its use. The empty asm
-// keeps the prefetch: GCC 12 drops a __builtin_prefetch whose address is
-// loaded under a condition.
-inline void prefetch(const void* address) {
-  __builtin_prefetch(address);
-  asm volatile("" : : "r"(address));
-}
-
 template <typename Rows>
 struct TableWalk {
   using Iterator = typename Rows::const_iterator;
@@ -682,10 +675,19 @@ struct TableWalk {
     return {row, position};
   }
 
-  // Brings the row after `at` into the cache while the answer goes out.
-  void prefetchAfter(const Rows& rows, const Place& at) const {
-    if (at.position != kUnknown && at.position + 1 < order.size() && ordered(rows)) {
-      prefetch(&*order[at.position + 1]);
+  // Brings the next rows into the cache while the answer goes out, in two
+  // stages: the row two ahead, and what the row after `at` points to
+  // (touchRow(row) prefetches that; the row itself came in one step ago).
+  template <typename TouchRow>
+  void prefetchAfter(const Rows& rows, const Place& at, TouchRow&& touchRow) const {
+    if (at.position == kUnknown || !ordered(rows)) {
+      return;
+    }
+    if (at.position + 2 < order.size()) {
+      prefetchLine(&*order[at.position + 2]);
+    }
+    if (at.position + 1 < order.size()) {
+      touchRow(*order[at.position + 1]);
     }
   }
 
@@ -777,7 +779,7 @@ struct TableOps {
     walk.rows = &rows;
     walk.kept = place;
     walk.keptErasures = rows.erasures();
-    walk.prefetchAfter(rows, place);
+    walk.prefetchAfter(rows, place, [](const auto& row) { Codec::prefetch(row.first); });
     Table::read(column, place.row->first, place.row->second, ctx, into);
     return true;
   }

@@ -38,6 +38,7 @@
 #include <tuple>
 #include <utility>
 
+#include "host/snmp/CachePrefetch.h"
 #include "host/snmp/MibView.h"
 #include "snmp/String.h"
 
@@ -57,6 +58,7 @@ struct OctetStringIndexField {
 
   static Value min() { return {}; }
   static bool encodable(const Value& value) noexcept { return value.size() <= MaxSize; }
+  static void prefetch(const Value& value) noexcept { prefetchLine(value.data()); }
   static void encode(const Value& value, Oid& out) {
     out.push_back(static_cast<std::uint32_t>(value.size()));
     for (const char c : value.view()) {
@@ -137,6 +139,7 @@ struct IntegerIndexField {
     return Min <= wide && wide <= Max;
   }
   static void encode(Value value, Oid& out) { out.push_back(static_cast<std::uint32_t>(value)); }
+  static void prefetch(Value /*value*/) noexcept {}
   static FieldRead read(OidSpan suffix, std::size_t& pos, Value& value) noexcept {
     if (pos == suffix.size()) {
       value = min();
@@ -190,6 +193,16 @@ class OidIndexCodec {
   static void encode(const Tuple& values, Oid& out) {
     forAll([&]<std::size_t I>() {
       field<I>::encode(std::get<I>(values), out);
+      return true;
+    });
+  }
+
+  // Asks for the cache lines the fields' encoding will read (the strings'
+  // characters) ahead of time; touches nothing itself.
+  template <typename Tuple = Values>
+  static void prefetch(const Tuple& values) {
+    forAll([&]<std::size_t I>() {
+      field<I>::prefetch(std::get<I>(values));
       return true;
     });
   }
