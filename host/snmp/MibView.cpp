@@ -370,6 +370,17 @@ struct PolicyMapActionTable {
   static const QosMib::PolicyMapActionTableRows& rows(const QosMib& mib) {
     return mib.policyMapActionTable();
   }
+  // The entity read() reads for the column, asked for ahead of a walk's
+  // step to this row.
+  static void prefetch(std::uint32_t column, const Row& row) {
+    if (column >= 11 && column <= 13) {
+      prefetchObject(row.classMapHwStatus.get());
+    } else if (column == 15) {
+      prefetchObject(row.classAction.get());
+    } else if (column != 14) {
+      prefetchObject(row.action.get());
+    }
+  }
   static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     const auto& action = row.action;
     const auto& hw = row.classMapHwStatus;
@@ -470,6 +481,9 @@ struct QosPolicerStatsTable {
   };
   static const QosMib::QosPolicerStatsTableRows& rows(const QosMib& mib) {
     return mib.qosPolicerStatsTable();
+  }
+  static void prefetch(std::uint32_t /*column*/, const Row& row) {
+    prefetchObject(row.policerHwStatus.get());
   }
   static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     const auto& p = row.policerHwStatus;
@@ -779,7 +793,12 @@ struct TableOps {
     walk.rows = &rows;
     walk.kept = place;
     walk.keptErasures = rows.erasures();
-    walk.prefetchAfter(rows, place, [](const auto& row) { Codec::prefetch(row.first); });
+    walk.prefetchAfter(rows, place, [column](const auto& row) {
+      Codec::prefetch(row.first);
+      if constexpr (requires { Table::prefetch(column, row.second); }) {
+        Table::prefetch(column, row.second);
+      }
+    });
     Table::read(column, place.row->first, place.row->second, ctx, into);
     return true;
   }
