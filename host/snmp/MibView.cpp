@@ -147,6 +147,14 @@ void fullName(SnmpValue& into, std::string_view name) {
 
 }  // namespace
 
+// One lookup of an interface's entity in another entity, and its answer.
+template <typename Owner, typename Value>
+struct InterfaceLookup {
+  const Owner* owner = nullptr;
+  const char* name = nullptr;  // the interface name's buffer
+  Value value;
+};
+
 // What the view derives from the model and keeps between queries.
 struct MibView::State {
   State(const QosMib& model, const MibAgentStatus* given) : mib(model), status(given ? given : &noStatus) {}
@@ -181,9 +189,37 @@ struct MibView::State {
     return {};
   }
 
+  // What `owner` answers for an interface (lookUp(*owner)), or null when
+  // there is no owner. While the model is held unchanged (ModelUnchanged),
+  // the last answer is reused for the same owner and interface: the rows of
+  // an interface's queues follow one another.
+  template <typename Owner, typename Value, typename LookUp>
+  Value reused(InterfaceLookup<Owner, Value>& last, const Owner* owner, const Pellix::IntfId& intf,
+               LookUp&& lookUp) {
+    if (owner == nullptr) {
+      return Value{};
+    }
+    if (unchangedHolds == 0) {
+      return lookUp(*owner);
+    }
+    // Interface ids sharing one name buffer are equal.
+    const char* name = intf.name().data();
+    if (last.owner != owner || last.name != name) {
+      last = {owner, name, lookUp(*owner)};
+    }
+    return last.value;
+  }
+  void forgetLookups() {
+    queueCounter = {};
+    intfCounterStatus = {};
+  }
+
   const QosMib& mib;
   MibAgentStatus noStatus;
   const MibAgentStatus* status;
+  int unchangedHolds = 0;
+  InterfaceLookup<Qos::EcnCounterTable, Kel::Ptr<const Qos::EcnIntfQueueCounter>> queueCounter;
+  InterfaceLookup<Qos::SliceHwStatus, Kel::Ptr<const Qos::EcnIntfCounterStatus>> intfCounterStatus;
   std::unordered_map<Kel::S32, Pellix::IntfId> intfByIfIndex;
   bool intfNamesBuilt = false;
   std::uint64_t intfNamesGeneration = 0;
@@ -592,10 +628,11 @@ struct EcnQueueCounterTable {
   static const QosMib::EcnQueueCounterTableRows& rows(const QosMib& mib) {
     return mib.ecnQueueCounterTable();
   }
-  static void read(std::uint32_t column, const Index& index, const Row& row, Context&, SnmpValue& into) {
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     // Looked up only for the columns that read it: a walk reads every column.
-    const auto queueCounter = [&row] {
-      return row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    const auto queueCounter = [&] {
+      return ctx.state.reused(ctx.state.queueCounter, row.ecnCounterTable.get(), row.intfId,
+                              [&](const auto& table) { return table.intfQueueCounter(row.intfId); });
     };
     switch (column) {
       case 3:
@@ -608,7 +645,8 @@ struct EcnQueueCounterTable {
             into, readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
       case 6: {
         const auto intfStatus =
-            row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
+            ctx.state.reused(ctx.state.intfCounterStatus, row.sliceHwStatus.get(), row.intfId,
+                             [&](const auto& slice) { return slice.ecnIntfCounterHwStatus(row.intfId); });
         return enumValue(into, readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
       }
       case 8:
@@ -931,6 +969,18 @@ MibView::MibView(const QosMib& mib, const MibAgentStatus* status)
     : mib_(mib), state_(std::make_unique<State>(mib, status)) {}
 
 MibView::~MibView() = default;
+
+MibView::ModelUnchanged::ModelUnchanged(const MibView& view) noexcept : state_(*view.state_) {
+  if (state_.unchangedHolds++ == 0) {
+    state_.forgetLookups();
+  }
+}
+
+MibView::ModelUnchanged::~ModelUnchanged() {
+  if (--state_.unchangedHolds == 0) {
+    state_.forgetLookups();
+  }
+}
 
 OidSpan MibView::agentGroupOid() noexcept { return kAgentGroupOid; }
 

@@ -183,6 +183,23 @@ class MibView {
   // What the view keeps between queries (defined in MibView.cpp).
   struct State;
 
+  // While one lives, its holder promises that the model does not change:
+  // the view may then reuse what it looked up in the model for one answer
+  // in the next ones (an interface's ECN counters, read for each of its
+  // queues' rows). The SNMP front end holds one while it reads requests.
+  // Holds may nest; the view must outlive them. Nothing is reused once the
+  // last one is gone.
+  class ModelUnchanged {
+   public:
+    explicit ModelUnchanged(const MibView& view) noexcept;
+    ~ModelUnchanged();
+    ModelUnchanged(const ModelUnchanged&) = delete;
+    ModelUnchanged& operator=(const ModelUnchanged&) = delete;
+
+   private:
+    State& state_;
+  };
+
  private:
   MibWalkCursor& cursor() const;
 

@@ -609,6 +609,8 @@ double SnmpFrontEnd::beforeWait(std::vector<int>& fds) {
 }
 
 void SnmpFrontEnd::afterWait(const std::vector<int>& readyFds) {
+  // The model changes only outside this hook (on the same thread).
+  const MibView::ModelUnchanged unchanged(view_);
   if (!readyFds.empty()) {
     netsnmp_large_fd_set ready;
     netsnmp_large_fd_set_init(&ready,

@@ -723,6 +723,44 @@ TEST_F(MibViewTest, QueriesMayViewTheirOwnAnswersOid) {
   EXPECT_EQ(vb.oid, tail);
 }
 
+TEST_F(MibViewTest, WhileTheModelIsHeldUnchangedAWalkMatchesAFreshView) {
+  const std::vector<VarBind> fresh = walk(MibView(*mib_), {});
+  const MibView::ModelUnchanged unchanged(view_);
+  const MibView::ModelUnchanged nested(view_);
+  const std::vector<VarBind> held = walk(view_, {});
+  ASSERT_EQ(held.size(), fresh.size());
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    EXPECT_EQ(held[i].oid, fresh[i].oid);
+    EXPECT_EQ(held[i].value, fresh[i].value) << MibView::oidName(held[i].oid);
+  }
+}
+
+TEST_F(MibViewTest, InterfaceLookupsAreNotReusedAcrossModelChanges) {
+  // Ethernet12's queues read their counters and hardware status through
+  // the interface; between two holds the model replaces both.
+  const Pellix::IntfId eth12("Ethernet12");
+  {
+    const MibView::ModelUnchanged unchanged(view_);
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(11));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 6, {12, 1}).value, SnmpValue::integer32Is(Qos::hwStatusProgrammed_));
+  }
+  auto queues = Kel::make<Qos::EcnIntfQueueCounter>(eth12);
+  queues->queueMarkedPacketsIs(1, 22);
+  ecnCounters_->intfQueueCounterIs(eth12, queues);
+  auto intfHw = Kel::make<Qos::EcnIntfCounterStatus>(eth12);
+  intfHw->programmingStatusIs(Qos::hwStatusError_);
+  slice_->ecnIntfCounterHwStatusIs(eth12, intfHw);
+  {
+    const MibView::ModelUnchanged unchanged(view_);
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(22));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 6, {12, 1}).value, SnmpValue::integer32Is(Qos::hwStatusError_));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 0}).value, SnmpValue::counter64Is(0));
+  }
+  // Without a hold, every answer looks the interface up again.
+  ecnCounters_->intfQueueCounterDel(eth12);
+  EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(0));
+}
+
 TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
   const Oid last = expectedInstances(*mib_).back();
   EXPECT_EQ(view_.next(last).exception, SnmpException::endOfMibView);
