@@ -715,7 +715,7 @@ struct TableWalk {
     if (ordered(rows)) {
       return {position < order.size() ? order[position] : rows.end(), position};
     }
-    const Iterator row = std::next(from.row);
+    const auto row = std::next(from.row);
     if (!orderComplete && orderErasures == rows.erasures() && position == order.size()) {
       if (row != rows.end()) {
         order.push_back(row);
@@ -793,6 +793,16 @@ struct TableOps {
     return true;
   }
 
+  // What reading the column in `row` will touch: the index's names, and
+  // the entity the column reads when the table names it.
+  template <typename Entry>
+  static void prefetchRow([[maybe_unused]] std::uint32_t column, const Entry& row) {
+    Codec::prefetch(row.first);
+    if constexpr (requires { Table::prefetch(column, row.second); }) {
+      Table::prefetch(column, row.second);
+    }
+  }
+
   // The column's value in the first row whose suffix is strictly greater
   // than `after`, or in the column's first row when `after` is absent, into
   // `into`; that row is left in `cursor` (its suffix) and in the table's
@@ -831,12 +841,7 @@ struct TableOps {
     walk.rows = &rows;
     walk.kept = place;
     walk.keptErasures = rows.erasures();
-    walk.prefetchAfter(rows, place, [column](const auto& row) {
-      Codec::prefetch(row.first);
-      if constexpr (requires { Table::prefetch(column, row.second); }) {
-        Table::prefetch(column, row.second);
-      }
-    });
+    walk.prefetchAfter(rows, place, [column](const auto& row) { prefetchRow(column, row); });
     Table::read(column, place.row->first, place.row->second, ctx, into);
     return true;
   }
