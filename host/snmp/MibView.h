@@ -19,6 +19,13 @@
 // entities a row references at the time of the query, so counters are live.
 // A referenced entity that is null reads as the empty string or 0.
 //
+// A walk asks next() for the instance it was just given: the view keeps
+// that instance's place (a cursor) and steps from it without decoding the
+// OID. A table's first pass of a walk records its rows in order (one
+// iterator per row, kept for the next walks while the table neither gains
+// nor loses a row), and the later passes step through that record and
+// prefetch the rows ahead. Every answer is the one a fresh view would give.
+//
 // Beside the shortened names of the indexes, tables carry the full names
 // (class map, policy map, chip; at most 255 bytes, longer ones cut) and the
 // interface's name beside an ifIndex index, looked up in the model's
@@ -30,7 +37,7 @@
 // restarts from zero only with new counters, so two polls that read
 // different discontinuity times straddle a restart, and two that read the
 // same do not, however long nobody polled between the restart and the next
-// poll. The view keeps nothing per row.
+// poll. The view keeps no counter state of its own.
 //
 // After the tables, qosAgent (qosSnmpObjects 11) holds the agent's
 // scalars, read from the MibAgentStatus given to the constructor (all 0
