@@ -56,19 +56,21 @@ using Queue = IntegerIndexField<Kel::U8, 0, 255>;
 
 }  // namespace IndexField
 
+// values(record) views the record's fields in place: the names' accessors
+// return references into the record.
 template <typename Index>
 struct MibIndexFields;
 
 template <>
 struct MibIndexFields<QosSnmp::ClassMapTableIndex> {
   using Codec = OidIndexCodec<IndexField::Name, IndexField::MapType>;
-  static Codec::Values values(const QosSnmp::ClassMapTableIndex& i) { return {i.name(), i.type()}; }
+  static Codec::Refs values(const QosSnmp::ClassMapTableIndex& i) { return {i.name(), i.type()}; }
 };
 
 template <>
 struct MibIndexFields<QosSnmp::ClassMapMatchTableIndex> {
   using Codec = OidIndexCodec<IndexField::Name, IndexField::MapType, IndexField::MatchIndex>;
-  static Codec::Values values(const QosSnmp::ClassMapMatchTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::ClassMapMatchTableIndex& i) {
     return {i.name(), i.type(), i.matchIndex()};
   }
 };
@@ -76,13 +78,13 @@ struct MibIndexFields<QosSnmp::ClassMapMatchTableIndex> {
 template <>
 struct MibIndexFields<QosSnmp::PolicyMapTableIndex> {
   using Codec = OidIndexCodec<IndexField::Name, IndexField::MapType>;
-  static Codec::Values values(const QosSnmp::PolicyMapTableIndex& i) { return {i.name(), i.type()}; }
+  static Codec::Refs values(const QosSnmp::PolicyMapTableIndex& i) { return {i.name(), i.type()}; }
 };
 
 template <>
 struct MibIndexFields<QosSnmp::PolicyMapClassTableIndex> {
   using Codec = OidIndexCodec<IndexField::Name, IndexField::MapType, IndexField::Prio>;
-  static Codec::Values values(const QosSnmp::PolicyMapClassTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::PolicyMapClassTableIndex& i) {
     return {i.name(), i.type(), i.prio()};
   }
 };
@@ -91,7 +93,7 @@ template <>
 struct MibIndexFields<QosSnmp::PolicyMapActionTableIndex> {
   using Codec =
       OidIndexCodec<IndexField::Name, IndexField::MapTypeNumber, IndexField::Name, IndexField::ActionType>;
-  static Codec::Values values(const QosSnmp::PolicyMapActionTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::PolicyMapActionTableIndex& i) {
     return {i.pmapName(), i.type(), i.cmapName(), i.actionType()};
   }
 };
@@ -100,7 +102,7 @@ template <>
 struct MibIndexFields<QosSnmp::QosStatsTableIndex> {
   using Codec =
       OidIndexCodec<IndexField::Name, IndexField::MapTypeNumber, IndexField::Name, IndexField::Qualifier>;
-  static Codec::Values values(const QosSnmp::QosStatsTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::QosStatsTableIndex& i) {
     return {i.pmapName(), i.type(), i.cmapName(), i.qualifier()};
   }
 };
@@ -109,7 +111,7 @@ template <>
 struct MibIndexFields<QosSnmp::QosPolicerStatsTableIndex> {
   using Codec =
       OidIndexCodec<IndexField::Name, IndexField::MapTypeNumber, IndexField::Name, IndexField::IfIndexOrZero>;
-  static Codec::Values values(const QosSnmp::QosPolicerStatsTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::QosPolicerStatsTableIndex& i) {
     return {i.pmapName(), i.type(), i.cmapName(), i.ifIndex()};
   }
 };
@@ -117,7 +119,7 @@ struct MibIndexFields<QosSnmp::QosPolicerStatsTableIndex> {
 template <>
 struct MibIndexFields<QosSnmp::ServicePolicyTableIndex> {
   using Codec = OidIndexCodec<IndexField::IfIndex, IndexField::Direction>;
-  static Codec::Values values(const QosSnmp::ServicePolicyTableIndex& i) {
+  static Codec::Refs values(const QosSnmp::ServicePolicyTableIndex& i) {
     return {i.ifIndex(), i.direction()};
   }
 };
@@ -125,15 +127,13 @@ struct MibIndexFields<QosSnmp::ServicePolicyTableIndex> {
 template <>
 struct MibIndexFields<Snmp::String> {
   using Codec = OidIndexCodec<IndexField::Name>;
-  static Codec::Values values(const Snmp::String& chipName) { return {chipName}; }
+  static Codec::Refs values(const Snmp::String& chipName) { return {chipName}; }
 };
 
 template <>
 struct MibIndexFields<QosSnmp::EcnQueueCounterTableIndex> {
   using Codec = OidIndexCodec<IndexField::IfIndex, IndexField::Queue>;
-  static Codec::Values values(const QosSnmp::EcnQueueCounterTableIndex& i) {
-    return {i.ifIndex(), i.queue()};
-  }
+  static Codec::Refs values(const QosSnmp::EcnQueueCounterTableIndex& i) { return {i.ifIndex(), i.queue()}; }
 };
 
 template <typename Index>
@@ -149,6 +149,8 @@ struct MibIndexCodec {
   static bool encodable(const Index& index) { return Codec::encodable(Fields::values(index)); }
   // REQUIRES: encodable(index).
   static void encode(const Index& index, Oid& out) { Codec::encode(Fields::values(index), out); }
+  // Asks for the cache lines of the index's names ahead of encoding it.
+  static void prefetch(const Index& index) { Codec::prefetch(Fields::values(index)); }
   static std::optional<Index> decode(OidSpan suffix) {
     auto values = Codec::decode(suffix);
     if (!values) {

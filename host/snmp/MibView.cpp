@@ -14,6 +14,7 @@
 
 #include "QosSnmp/core/QosMib.h"
 #include "QosSnmp/core/UniqueId.h"
+#include "host/snmp/CachePrefetch.h"
 #include "host/snmp/MibAgentStatus.h"
 #include "host/snmp/MibIndexCodec.h"
 
@@ -100,20 +101,36 @@ constexpr std::array<std::uint32_t, 9> kAgentObjectId = {1, 3, 6, 1, 4, 1, 32473
 // Under a table: <table>.1 is the entry, <table>.1.<column> a column.
 constexpr std::uint32_t kEntrySubId = 1;
 
-// Renderers of the values read from the entities a row references. A null
-// entity reads as 0 or as the empty string.
+// Writers of the values read from the entities a row references, into a
+// value whose text storage is reused. A null entity reads as 0 or as the
+// empty string. Every field is written, so that a reused value compares
+// equal to a fresh one with the same answer.
+void numberIs(SnmpValue& into, Type type, std::int32_t integer, std::uint64_t number) {
+  into.type = type;
+  into.integer = integer;
+  into.number = number;
+  into.octets.clear();
+}
+void integer32(SnmpValue& into, std::int32_t value) { numberIs(into, Type::integer32, value, 0); }
 template <typename E>
-SnmpValue enumValue(E value) {
-  return SnmpValue::integer32Is(static_cast<std::int32_t>(value));
+void enumValue(SnmpValue& into, E value) {
+  integer32(into, static_cast<std::int32_t>(value));
 }
-SnmpValue counter(std::uint64_t value) { return SnmpValue::counter64Is(value); }
-SnmpValue gauge64(std::uint64_t value) { return SnmpValue::counter64Is(value); }
-SnmpValue unsigned32(std::uint64_t value) {
-  return SnmpValue::unsigned32Is(static_cast<std::uint32_t>(value));
+void counter(SnmpValue& into, std::uint64_t value) { numberIs(into, Type::counter64, 0, value); }
+void gauge64(SnmpValue& into, std::uint64_t value) { numberIs(into, Type::counter64, 0, value); }
+void unsigned32(SnmpValue& into, std::uint64_t value) {
+  numberIs(into, Type::unsigned32, 0, static_cast<std::uint32_t>(value));
 }
-SnmpValue text(std::string_view value) { return SnmpValue::octetStringIs(std::string(value)); }
+void timeTicks(SnmpValue& into, std::uint32_t value) { numberIs(into, Type::timeTicks, 0, value); }
+void counter32(SnmpValue& into, std::uint32_t value) { numberIs(into, Type::counter32, 0, value); }
+void text(SnmpValue& into, std::string_view value) {
+  into.type = Type::octetString;
+  into.integer = 0;
+  into.number = 0;
+  into.octets.assign(value);
+}
 // TruthValue: true(1), false(2).
-SnmpValue truth(bool value) { return SnmpValue::integer32Is(value ? 1 : 2); }
+void truth(SnmpValue& into, bool value) { integer32(into, value ? 1 : 2); }
 
 template <typename P, typename F>
 auto readOr(const P& entity, F&& read) -> decltype(read(*entity)) {
@@ -124,23 +141,32 @@ auto readOr(const P& entity, F&& read) -> decltype(read(*entity)) {
 // Names served in full are DisplayStrings: at most 255 bytes.
 constexpr std::size_t kMaxFullName = 255;
 
-SnmpValue fullName(std::string_view name) {
-  return text(name.substr(0, std::min(name.size(), kMaxFullName)));
+void fullName(SnmpValue& into, std::string_view name) {
+  text(into, name.substr(0, std::min(name.size(), kMaxFullName)));
 }
 
 }  // namespace
+
+// One lookup of an interface's entity in another entity, and its answer.
+template <typename Owner, typename Value>
+struct InterfaceLookup {
+  const Owner* owner = nullptr;
+  const char* name = nullptr;  // the interface name's buffer
+  Value value;
+};
 
 // What the view derives from the model and keeps between queries.
 struct MibView::State {
   State(const QosMib& model, const MibAgentStatus* given) : mib(model), status(given ? given : &noStatus) {}
 
-  // The name of the interface with this ifIndex, or empty.
-  std::string intfName(Kel::S32 ifIndex) {
-    auto lookUp = [&]() -> std::optional<std::string> {
+  // The name of the interface with this ifIndex, or empty; valid until the
+  // next call.
+  std::string_view intfName(Kel::S32 ifIndex) {
+    auto lookUp = [&]() -> std::optional<std::string_view> {
       const auto it = intfByIfIndex.find(ifIndex);
       if (it != intfByIfIndex.end() && mib.hasIntfIdToifIndex(it->second) &&
           mib.intfIdToifIndex(it->second) == ifIndex) {
-        return it->second.stringValue();
+        return it->second.name().view();
       }
       return std::nullopt;
     };
@@ -163,9 +189,37 @@ struct MibView::State {
     return {};
   }
 
+  // What `owner` answers for an interface (lookUp(*owner)), or null when
+  // there is no owner. While the model is held unchanged (ModelUnchanged),
+  // the last answer is reused for the same owner and interface: the rows of
+  // an interface's queues follow one another.
+  template <typename Owner, typename Value, typename LookUp>
+  Value reused(InterfaceLookup<Owner, Value>& last, const Owner* owner, const Pellix::IntfId& intf,
+               LookUp&& lookUp) {
+    if (owner == nullptr) {
+      return Value{};
+    }
+    if (unchangedHolds == 0) {
+      return lookUp(*owner);
+    }
+    // Interface ids sharing one name buffer are equal.
+    const char* name = intf.name().data();
+    if (last.owner != owner || last.name != name) {
+      last = {owner, name, lookUp(*owner)};
+    }
+    return last.value;
+  }
+  void forgetLookups() {
+    queueCounter = {};
+    intfCounterStatus = {};
+  }
+
   const QosMib& mib;
   MibAgentStatus noStatus;
   const MibAgentStatus* status;
+  int unchangedHolds = 0;
+  InterfaceLookup<Qos::EcnCounterTable, Kel::Ptr<const Qos::EcnIntfQueueCounter>> queueCounter;
+  InterfaceLookup<Qos::SliceHwStatus, Kel::Ptr<const Qos::EcnIntfCounterStatus>> intfCounterStatus;
   std::unordered_map<Kel::S32, Pellix::IntfId> intfByIfIndex;
   bool intfNamesBuilt = false;
   std::uint64_t intfNamesGeneration = 0;
@@ -183,20 +237,19 @@ struct Context {
 // looked up in the policy-map or class-map table. Absent there, a name
 // shorter than the shortened names' length was never shortened and is its
 // own full name; a longer one is unknown (empty).
-std::string unshortened(const Snmp::String& name) {
-  return name.view().size() < QosSnmp::kUniqueIdMaxLength ? std::string(name.view()) : std::string();
+// The views are into the model: valid while it does not change.
+std::string_view unshortened(const Snmp::String& name) {
+  return name.view().size() < QosSnmp::kUniqueIdMaxLength ? name.view() : std::string_view();
 }
-std::string pmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
+std::string_view pmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
   const auto* row =
       mib.policyMapTable().find(QosSnmp::PolicyMapTableIndex(name, static_cast<Qos::MapType>(type)));
-  return row != nullptr && row->policyMapStatus ? row->policyMapStatus->name().stringValue()
-                                                : unshortened(name);
+  return row != nullptr && row->policyMapStatus ? row->policyMapStatus->name().view() : unshortened(name);
 }
-std::string cmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
+std::string_view cmapFullName(const QosMib& mib, const Snmp::String& name, Kel::S32 type) {
   const auto* row =
       mib.classMapTable().find(QosSnmp::ClassMapTableIndex(name, static_cast<Qos::MapType>(type)));
-  return row != nullptr && row->classMapStatus ? row->classMapStatus->name().stringValue()
-                                               : unshortened(name);
+  return row != nullptr && row->classMapStatus ? row->classMapStatus->name().view() : unshortened(name);
 }
 
 // One table per struct: its rows in the MIB model, its columns as QOS-SNMP-MIB
@@ -219,19 +272,19 @@ struct ClassMapTable {
       {"qosClassMapFullName", 7, Type::octetString, true},
   };
   static const QosMib::ClassMapTableRows& rows(const QosMib& mib) { return mib.classMapTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
+  static void read(std::uint32_t column, const Index&, const Row& row, Context&, SnmpValue& into) {
     const auto& cmap = row.classMapStatus;
     switch (column) {
       case 3:
-        return enumValue(readOr(cmap, [](const auto& c) { return c.cpType(); }));
+        return enumValue(into, readOr(cmap, [](const auto& c) { return c.cpType(); }));
       case 4:
-        return enumValue(readOr(cmap, [](const auto& c) { return c.cpStaticType(); }));
+        return enumValue(into, readOr(cmap, [](const auto& c) { return c.cpStaticType(); }));
       case 5:
-        return enumValue(readOr(cmap, [](const auto& c) { return c.matchCondition(); }));
+        return enumValue(into, readOr(cmap, [](const auto& c) { return c.matchCondition(); }));
       case 7:
-        return fullName(readOr(cmap, [](const auto& c) { return c.name().view(); }));
+        return fullName(into, readOr(cmap, [](const auto& c) { return c.name().view(); }));
       default:
-        return unsigned32(readOr(cmap, [](const auto& c) { return c.match().size(); }));
+        return unsigned32(into, readOr(cmap, [](const auto& c) { return c.match().size(); }));
     }
   }
 };
@@ -251,15 +304,15 @@ struct ClassMapMatchTable {
       {"qosClassMapMatchCmapFullName", 6, Type::octetString, true},
   };
   static const QosMib::ClassMapMatchTableRows& rows(const QosMib& mib) { return mib.classMapMatchTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
+  static void read(std::uint32_t column, const Index&, const Row& row, Context&, SnmpValue& into) {
     const auto& match = row.classMapMatch;
     switch (column) {
       case 4:
-        return enumValue(readOr(match, [](const auto& m) { return m.option(); }));
+        return enumValue(into, readOr(match, [](const auto& m) { return m.option(); }));
       case 6:
-        return fullName(readOr(row.classMapStatus, [](const auto& c) { return c.name().view(); }));
+        return fullName(into, readOr(row.classMapStatus, [](const auto& c) { return c.name().view(); }));
       default:
-        return text(readOr(match, [](const auto& m) { return m.value().view(); }));
+        return text(into, readOr(match, [](const auto& m) { return m.value().view(); }));
     }
   }
 };
@@ -278,18 +331,19 @@ struct PolicyMapTable {
       {"qosPolicyMapFullName", 5, Type::octetString, true},
   };
   static const QosMib::PolicyMapTableRows& rows(const QosMib& mib) { return mib.policyMapTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
+  static void read(std::uint32_t column, const Index&, const Row& row, Context&, SnmpValue& into) {
     const auto& pmap = row.policyMapStatus;
     switch (column) {
       case 3:
-        return unsigned32(readOr(pmap, [](const auto& p) { return p.classPrio().size(); }));
+        return unsigned32(into, readOr(pmap, [](const auto& p) { return p.classPrio().size(); }));
       case 5:
-        return fullName(readOr(pmap, [](const auto& p) { return p.name().view(); }));
+        return fullName(into, readOr(pmap, [](const auto& p) { return p.name().view(); }));
       default:
-        return text(readOr(pmap, [](const auto& p) {
-          const auto classDefault = p.classDefault();
-          return classDefault ? QosSnmp::uniqueId(classDefault->name()).stringValue() : std::string();
-        }));
+        return text(into, readOr(pmap, [](const auto& p) {
+                      const auto classDefault = p.classDefault();
+                      return classDefault ? QosSnmp::uniqueId(classDefault->name()).stringValue()
+                                          : std::string();
+                    }));
     }
   }
 };
@@ -309,18 +363,18 @@ struct PolicyMapClassTable {
       {"qosPolicyMapClassCmapFullName", 6, Type::octetString, true},
   };
   static const QosMib::PolicyMapClassTableRows& rows(const QosMib& mib) { return mib.policyMapClassTable(); }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     switch (column) {
       case 4:
-        return text(row.cmapName.view());
+        return text(into, row.cmapName.view());
       case 5:
-        return fullName(readOr(row.policyMapStatus, [](const auto& p) { return p.name().view(); }));
+        return fullName(into, readOr(row.policyMapStatus, [](const auto& p) { return p.name().view(); }));
       default: {
         const auto prio = row.policyMapStatus ? row.policyMapStatus->classPrio(index.prio()) : nullptr;
         if (prio) {
-          return fullName(prio->cmapName().view());
+          return fullName(into, prio->cmapName().view());
         }
-        return fullName(cmapFullName(ctx.mib, row.cmapName, static_cast<Kel::S32>(index.type())));
+        return fullName(into, cmapFullName(ctx.mib, row.cmapName, static_cast<Kel::S32>(index.type())));
       }
     }
   }
@@ -352,33 +406,44 @@ struct PolicyMapActionTable {
   static const QosMib::PolicyMapActionTableRows& rows(const QosMib& mib) {
     return mib.policyMapActionTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  // The entity read() reads for the column, asked for ahead of a walk's
+  // step to this row.
+  static void prefetch(std::uint32_t column, const Row& row) {
+    if (column >= 11 && column <= 13) {
+      prefetchObject(row.classMapHwStatus.get());
+    } else if (column == 15) {
+      prefetchObject(row.classAction.get());
+    } else if (column != 14) {
+      prefetchObject(row.action.get());
+    }
+  }
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     const auto& action = row.action;
     const auto& hw = row.classMapHwStatus;
     switch (column) {
       case 5:
-        return unsigned32(readOr(action, [](const auto& a) { return a.value(); }));
+        return unsigned32(into, readOr(action, [](const auto& a) { return a.value(); }));
       case 6:
-        return gauge64(readOr(action, [](const auto& a) { return a.rate(); }));
+        return gauge64(into, readOr(action, [](const auto& a) { return a.rate(); }));
       case 7:
-        return enumValue(readOr(action, [](const auto& a) { return a.rateUnit(); }));
+        return enumValue(into, readOr(action, [](const auto& a) { return a.rateUnit(); }));
       case 8:
-        return gauge64(readOr(action, [](const auto& a) { return a.burstSize(); }));
+        return gauge64(into, readOr(action, [](const auto& a) { return a.burstSize(); }));
       case 9:
-        return gauge64(readOr(action, [](const auto& a) { return a.peakRate(); }));
+        return gauge64(into, readOr(action, [](const auto& a) { return a.peakRate(); }));
       case 10:
-        return gauge64(readOr(action, [](const auto& a) { return a.peakBurstSize(); }));
+        return gauge64(into, readOr(action, [](const auto& a) { return a.peakBurstSize(); }));
       case 11:
-        return enumValue(readOr(hw, [](const auto& h) { return h.programmingStatus(); }));
+        return enumValue(into, readOr(hw, [](const auto& h) { return h.programmingStatus(); }));
       case 12:
-        return gauge64(readOr(hw, [](const auto& h) { return h.shapeRate(); }));
+        return gauge64(into, readOr(hw, [](const auto& h) { return h.shapeRate(); }));
       case 14:
-        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+        return fullName(into, pmapFullName(ctx.mib, index.pmapName(), index.type()));
       case 15:
-        return row.classAction ? fullName(row.classAction->name().view())
-                               : fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
+        return fullName(into, row.classAction ? row.classAction->name().view()
+                                              : cmapFullName(ctx.mib, index.cmapName(), index.type()));
       default:
-        return gauge64(readOr(hw, [](const auto& h) { return h.bandwidth(); }));
+        return gauge64(into, readOr(hw, [](const auto& h) { return h.bandwidth(); }));
     }
   }
 };
@@ -404,26 +469,26 @@ struct QosStatsTable {
       {"qosStatsDiscontinuityTime", 12, Type::timeTicks, true},
   };
   static const QosMib::QosStatsTableRows& rows(const QosMib& mib) { return mib.qosStatsTable(); }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     const auto& c = row.counter;
     switch (column) {
       case 5:
-        return counter(readOr(c, [](const auto& k) { return k.packets(); }));
+        return counter(into, readOr(c, [](const auto& k) { return k.packets(); }));
       case 6:
-        return counter(readOr(c, [](const auto& k) { return k.bytes(); }));
+        return counter(into, readOr(c, [](const auto& k) { return k.bytes(); }));
       case 7:
-        return counter(readOr(c, [](const auto& k) { return k.droppedPackets(); }));
+        return counter(into, readOr(c, [](const auto& k) { return k.droppedPackets(); }));
       case 8:
-        return counter(readOr(c, [](const auto& k) { return k.droppedBytes(); }));
+        return counter(into, readOr(c, [](const auto& k) { return k.droppedBytes(); }));
       case 10:
-        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+        return fullName(into, pmapFullName(ctx.mib, index.pmapName(), index.type()));
       case 11:
-        return c ? fullName(c->name().view())
-                 : fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
+        return fullName(into, c ? c->name().view() : cmapFullName(ctx.mib, index.cmapName(), index.type()));
       case 12:
-        return SnmpValue::timeTicksIs(row.counterStamp.at);
+        return timeTicks(into, row.counterStamp.at);
       default:
-        return enumValue(readOr(row.classMapHwStatus, [](const auto& h) { return h.programmingStatus(); }));
+        return enumValue(into,
+                         readOr(row.classMapHwStatus, [](const auto& h) { return h.programmingStatus(); }));
     }
   }
 };
@@ -453,29 +518,32 @@ struct QosPolicerStatsTable {
   static const QosMib::QosPolicerStatsTableRows& rows(const QosMib& mib) {
     return mib.qosPolicerStatsTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  static void prefetch(std::uint32_t /*column*/, const Row& row) {
+    prefetchObject(row.policerHwStatus.get());
+  }
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     const auto& p = row.policerHwStatus;
     switch (column) {
       case 5:
-        return counter(readOr(p, [](const auto& s) { return s.conformedPackets(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.conformedPackets(); }));
       case 6:
-        return counter(readOr(p, [](const auto& s) { return s.conformedBytes(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.conformedBytes(); }));
       case 7:
-        return counter(readOr(p, [](const auto& s) { return s.exceededPackets(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.exceededPackets(); }));
       case 8:
-        return counter(readOr(p, [](const auto& s) { return s.exceededBytes(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.exceededBytes(); }));
       case 9:
-        return counter(readOr(p, [](const auto& s) { return s.violatedPackets(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.violatedPackets(); }));
       case 11:
-        return fullName(pmapFullName(ctx.mib, index.pmapName(), index.type()));
+        return fullName(into, pmapFullName(ctx.mib, index.pmapName(), index.type()));
       case 12:
-        return fullName(cmapFullName(ctx.mib, index.cmapName(), index.type()));
+        return fullName(into, cmapFullName(ctx.mib, index.cmapName(), index.type()));
       case 13:
-        return text(p ? p->intfName().view() : std::string_view(ctx.state.intfName(index.ifIndex())));
+        return text(into, p ? p->intfName().view() : std::string_view(ctx.state.intfName(index.ifIndex())));
       case 14:
-        return SnmpValue::timeTicksIs(row.counterStamp.at);
+        return timeTicks(into, row.counterStamp.at);
       default:
-        return counter(readOr(p, [](const auto& s) { return s.violatedBytes(); }));
+        return counter(into, readOr(p, [](const auto& s) { return s.violatedBytes(); }));
     }
   }
 };
@@ -495,16 +563,16 @@ struct ServicePolicyTable {
       {"qosServicePolicyIntfName", 6, Type::octetString, true},
   };
   static const QosMib::ServicePolicyTableRows& rows(const QosMib& mib) { return mib.servicePolicyTable(); }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context& ctx) {
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     switch (column) {
       case 3:
-        return text(row.pmapName.view());
+        return text(into, row.pmapName.view());
       case 5:
-        return fullName(row.servicePolicyKey.pmapName().view());
+        return fullName(into, row.servicePolicyKey.pmapName().view());
       case 6:
-        return text(ctx.state.intfName(index.ifIndex()));
+        return text(into, ctx.state.intfName(index.ifIndex()));
       default:
-        return enumValue(row.servicePolicyKey.type());
+        return enumValue(into, row.servicePolicyKey.type());
     }
   }
 };
@@ -524,19 +592,19 @@ struct EcnCounterTable {
       {"qosEcnCounterDiscontinuityTime", 6, Type::timeTicks, true},
   };
   static const QosMib::EcnCounterTableRows& rows(const QosMib& mib) { return mib.ecnCounterTable(); }
-  static SnmpValue read(std::uint32_t column, const Index&, const Row& row, Context&) {
+  static void read(std::uint32_t column, const Index&, const Row& row, Context&, SnmpValue& into) {
     const auto& chip = row.chipCounter;
     switch (column) {
       case 2:
-        return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedPackets(); }));
+        return counter(into, readOr(chip, [](const auto& c) { return c.ecnMarkedPackets(); }));
       case 3:
-        return counter(readOr(chip, [](const auto& c) { return c.ecnMarkedBytes(); }));
+        return counter(into, readOr(chip, [](const auto& c) { return c.ecnMarkedBytes(); }));
       case 5:
-        return fullName(readOr(chip, [](const auto& c) { return c.name().view(); }));
+        return fullName(into, readOr(chip, [](const auto& c) { return c.name().view(); }));
       case 6:
-        return SnmpValue::timeTicksIs(row.counterStamp.at);
+        return timeTicks(into, row.counterStamp.at);
       default:
-        return counter(readOr(chip, [](const auto& c) { return c.ecnDroppedPackets(); }));
+        return counter(into, readOr(chip, [](const auto& c) { return c.ecnDroppedPackets(); }));
     }
   }
 };
@@ -560,29 +628,31 @@ struct EcnQueueCounterTable {
   static const QosMib::EcnQueueCounterTableRows& rows(const QosMib& mib) {
     return mib.ecnQueueCounterTable();
   }
-  static SnmpValue read(std::uint32_t column, const Index& index, const Row& row, Context&) {
+  static void read(std::uint32_t column, const Index& index, const Row& row, Context& ctx, SnmpValue& into) {
     // Looked up only for the columns that read it: a walk reads every column.
-    const auto queueCounter = [&row] {
-      return row.ecnCounterTable ? row.ecnCounterTable->intfQueueCounter(row.intfId) : nullptr;
+    const auto queueCounter = [&] {
+      return ctx.state.reused(ctx.state.queueCounter, row.ecnCounterTable.get(), row.intfId,
+                              [&](const auto& table) { return table.intfQueueCounter(row.intfId); });
     };
     switch (column) {
       case 3:
-        return text(row.intfId.stringValue());
+        return text(into, row.intfId.name().view());
       case 4:
         return counter(
-            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
+            into, readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedPackets(index.queue()); }));
       case 5:
         return counter(
-            readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
+            into, readOr(queueCounter(), [&](const auto& q) { return q.queueMarkedBytes(index.queue()); }));
       case 6: {
         const auto intfStatus =
-            row.sliceHwStatus ? row.sliceHwStatus->ecnIntfCounterHwStatus(row.intfId) : nullptr;
-        return enumValue(readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
+            ctx.state.reused(ctx.state.intfCounterStatus, row.sliceHwStatus.get(), row.intfId,
+                             [&](const auto& slice) { return slice.ecnIntfCounterHwStatus(row.intfId); });
+        return enumValue(into, readOr(intfStatus, [](const auto& s) { return s.programmingStatus(); }));
       }
       case 8:
-        return SnmpValue::timeTicksIs(row.counterStamp.at);
+        return timeTicks(into, row.counterStamp.at);
       default:
-        return truth(row.ecnQueueCountersFlag);
+        return truth(into, row.ecnQueueCountersFlag);
     }
   }
 };
@@ -592,39 +662,112 @@ constexpr std::size_t kMaxSuffixLength = 128;
 
 }  // namespace
 
-// The last instance next() answered in a table: its row suffix, the row's
-// index and its place in the table. A GETNEXT for exactly that suffix (the
-// next step of every walk) needs no decoding of the OID: it steps to the row
-// after the kept one when no row has been deleted from the table since
-// (rows added meanwhile are found by the step), and otherwise takes the
-// upper bound of the kept index. Indexes share their names' buffers:
-// keeping one costs no allocation.
-template <typename Index, typename Rows>
-struct KeptRow {
-  Index index;
-  typename Rows::const_iterator row;
-  const Rows* rows;
-  std::size_t erasures;
+// Where a walk stands in one table, kept between GETNEXTs: the row next()
+// answered last (its suffix is the cursor's), and the table's rows in order
+// as walks met them. A GETNEXT for exactly the kept suffix, the next step of
+// every walk, needs no decoding of the OID and no comparison of indexes: it
+// steps to the row after the kept one while no row has been deleted from
+// the table since (rows added meanwhile are found by the step), and
+// otherwise seeks the suffix like any other OID.
+//
+// The order: a walk goes through a table once per column, so the first
+// column's pass records an iterator per row, and the following columns step
+// through that array instead of through the tree, and touch the next row
+// ahead of time (a prefetch). The array is in use only while it holds every
+// row of the table: recorded in one pass from the first row without a
+// deletion and not outdated since (the table's size and deletion count are
+// those it was recorded with). Otherwise the steps go through the tree and
+// the next pass from the first row records it anew. It holds at most one
+// iterator per row of the table.
+template <typename Rows>
+struct TableWalk {
+  using Iterator = typename Rows::const_iterator;
+  static constexpr std::size_t kUnknown = static_cast<std::size_t>(-1);
+
+  // A row and its place in `order` (kUnknown when not known).
+  struct Place {
+    Iterator row;
+    std::size_t position;
+  };
+
+  // The table's first row, where a pass starts: recording the order then
+  // begins unless the recorded one is in use.
+  Place first(const Rows& rows) {
+    if (!ordered(rows)) {
+      order.clear();
+      orderComplete = rows.empty();
+      orderErasures = rows.erasures();
+      if (!rows.empty()) {
+        order.push_back(rows.begin());
+      }
+      // Places in the order it replaces mean nothing in this one.
+      kept.position = kUnknown;
+    }
+    return {rows.begin(), 0};
+  }
+
+  // The row after `from`.
+  Place after(const Rows& rows, const Place& from) {
+    if (from.position == kUnknown) {
+      return {std::next(from.row), kUnknown};
+    }
+    const std::size_t position = from.position + 1;
+    if (ordered(rows)) {
+      return {position < order.size() ? order[position] : rows.end(), position};
+    }
+    const auto row = std::next(from.row);
+    if (!orderComplete && orderErasures == rows.erasures() && position == order.size()) {
+      if (row != rows.end()) {
+        order.push_back(row);
+      } else {
+        // Rows added behind the pass are missing: then it is not complete.
+        orderComplete = order.size() == rows.size();
+      }
+    }
+    return {row, position};
+  }
+
+  // Brings the next rows into the cache while the answer goes out, in two
+  // stages: the row two ahead, and what the row after `at` points to
+  // (touchRow(row) prefetches that; the row itself came in one step ago).
+  template <typename TouchRow>
+  void prefetchAfter(const Rows& rows, const Place& at, TouchRow&& touchRow) const {
+    if (at.position == kUnknown || !ordered(rows)) {
+      return;
+    }
+    if (at.position + 2 < order.size()) {
+      prefetchLine(&*order[at.position + 2]);
+    }
+    if (at.position + 1 < order.size()) {
+      touchRow(*order[at.position + 1]);
+    }
+  }
+
+  bool ordered(const Rows& rows) const {
+    return orderComplete && order.size() == rows.size() && orderErasures == rows.erasures();
+  }
+
+  const Rows* rows = nullptr;  // null: no row kept
+  Place kept{};
+  std::size_t keptErasures = 0;  // the table's deletions when `kept` was answered
+  std::vector<Iterator> order;
+  bool orderComplete = false;
+  std::size_t orderErasures = 0;
 };
 
 struct MibWalkCursor {
-  std::uint32_t table = 0;  // 0: nothing kept
+  std::uint32_t table = 0;  // the table of the suffix; 0: none
   Oid suffix;
-  std::tuple<std::optional<KeptRow<QosSnmp::ClassMapTableIndex, QosMib::ClassMapTableRows>>,
-             std::optional<KeptRow<QosSnmp::ClassMapMatchTableIndex, QosMib::ClassMapMatchTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapTableIndex, QosMib::PolicyMapTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapClassTableIndex, QosMib::PolicyMapClassTableRows>>,
-             std::optional<KeptRow<QosSnmp::PolicyMapActionTableIndex, QosMib::PolicyMapActionTableRows>>,
-             std::optional<KeptRow<QosSnmp::QosStatsTableIndex, QosMib::QosStatsTableRows>>,
-             std::optional<KeptRow<QosSnmp::QosPolicerStatsTableIndex, QosMib::QosPolicerStatsTableRows>>,
-             std::optional<KeptRow<QosSnmp::ServicePolicyTableIndex, QosMib::ServicePolicyTableRows>>,
-             std::optional<KeptRow<Snmp::String, QosMib::EcnCounterTableRows>>,
-             std::optional<KeptRow<QosSnmp::EcnQueueCounterTableIndex, QosMib::EcnQueueCounterTableRows>>>
-      kept;
+  std::tuple<TableWalk<QosMib::ClassMapTableRows>, TableWalk<QosMib::ClassMapMatchTableRows>,
+             TableWalk<QosMib::PolicyMapTableRows>, TableWalk<QosMib::PolicyMapClassTableRows>,
+             TableWalk<QosMib::PolicyMapActionTableRows>, TableWalk<QosMib::QosStatsTableRows>,
+             TableWalk<QosMib::QosPolicerStatsTableRows>, TableWalk<QosMib::ServicePolicyTableRows>,
+             TableWalk<QosMib::EcnCounterTableRows>, TableWalk<QosMib::EcnQueueCounterTableRows>>
+      walks;
 
-  template <typename Index, typename Rows>
-  std::optional<KeptRow<Index, Rows>>& keptIn() {
-    return std::get<std::optional<KeptRow<Index, Rows>>>(kept);
+  template <typename Rows>
+  TableWalk<Rows>& walkIn() {
+    return std::get<TableWalk<Rows>>(walks);
   }
 };
 
@@ -635,57 +778,79 @@ template <typename Table>
 struct TableOps {
   using Codec = MibIndexCodec<typename Table::Index>;
 
-  static std::optional<SnmpValue> get(Context& ctx, std::uint32_t column, OidSpan suffix) {
+  // The column's value in the row at `suffix` into `into`; false when
+  // there is no such row.
+  static bool get(Context& ctx, std::uint32_t column, OidSpan suffix, SnmpValue& into) {
     const auto index = Codec::decode(suffix);
     if (!index) {
-      return std::nullopt;
+      return false;
     }
     const auto* row = Table::rows(ctx.mib).find(*index);
     if (row == nullptr) {
-      return std::nullopt;
+      return false;
     }
-    return Table::read(column, *index, *row, ctx);
+    Table::read(column, *index, *row, ctx, into);
+    return true;
+  }
+
+  // What reading the column in `row` will touch: the index's names, and
+  // the entity the column reads when the table names it.
+  template <typename Entry>
+  static void prefetchRow([[maybe_unused]] std::uint32_t column, const Entry& row) {
+    Codec::prefetch(row.first);
+    if constexpr (requires { Table::prefetch(column, row.second); }) {
+      Table::prefetch(column, row.second);
+    }
   }
 
   // The column's value in the first row whose suffix is strictly greater
-  // than `after`, or in the column's first row when `after` is absent; that
-  // row's suffix and index are left in `cursor`.
-  static std::optional<SnmpValue> next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after,
-                                       MibWalkCursor& cursor) {
+  // than `after`, or in the column's first row when `after` is absent, into
+  // `into`; that row is left in `cursor` (its suffix) and in the table's
+  // walk. False when there is no such row.
+  static bool next(Context& ctx, std::uint32_t column, std::optional<OidSpan> after, MibWalkCursor& cursor,
+                   SnmpValue& into) {
     const auto& rows = Table::rows(ctx.mib);
-    auto it = rows.begin();
     using Rows = std::remove_cvref_t<decltype(rows)>;
-    auto& kept = cursor.keptIn<typename Table::Index, Rows>();
-    if (after && cursor.table == Table::kSubId && kept && std::ranges::equal(*after, cursor.suffix)) {
-      it = kept->rows == &rows && kept->erasures == rows.erasures() ? std::next(kept->row)
-                                                                    : rows.upperBound(kept->index);
-    } else if (after) {
+    using Walk = TableWalk<Rows>;
+    Walk& walk = cursor.walkIn<Rows>();
+    typename Walk::Place place{};
+    if (!after) {
+      place = walk.first(rows);
+    } else if (cursor.table == Table::kSubId && walk.rows == &rows && walk.keptErasures == rows.erasures() &&
+               std::ranges::equal(*after, cursor.suffix)) {
+      place = walk.after(rows, walk.kept);
+    } else {
       const auto seek = Codec::seek(*after);
       if (!seek) {
-        return std::nullopt;
+        return false;
       }
-      it = seek->bound == SeekBound::after ? rows.upperBound(seek->index) : rows.lowerBound(seek->index);
+      place = {seek->bound == SeekBound::after ? rows.upperBound(seek->index) : rows.lowerBound(seek->index),
+               Walk::kUnknown};
     }
     // Rows the MIB cannot name are not served.
-    while (it != rows.end() && !Codec::encodable(it->first)) {
-      ++it;
+    while (place.row != rows.end() && !Codec::encodable(place.row->first)) {
+      place = walk.after(rows, place);
     }
-    if (it == rows.end()) {
-      return std::nullopt;
+    if (place.row == rows.end()) {
+      return false;
     }
     // The suffix goes into the cursor's storage, reserved once.
     cursor.table = Table::kSubId;
     cursor.suffix.clear();
-    Codec::encode(it->first, cursor.suffix);
-    kept = KeptRow<typename Table::Index, Rows>{it->first, it, &rows, rows.erasures()};
-    return Table::read(column, it->first, it->second, ctx);
+    Codec::encode(place.row->first, cursor.suffix);
+    walk.rows = &rows;
+    walk.kept = place;
+    walk.keptErasures = rows.erasures();
+    walk.prefetchAfter(rows, place, [column](const auto& row) { prefetchRow(column, row); });
+    Table::read(column, place.row->first, place.row->second, ctx, into);
+    return true;
   }
 };
 
 struct TableEntry {
   MibTableInfo info;
-  std::optional<SnmpValue> (*get)(Context&, std::uint32_t, OidSpan);
-  std::optional<SnmpValue> (*next)(Context&, std::uint32_t, std::optional<OidSpan>, MibWalkCursor&);
+  bool (*get)(Context&, std::uint32_t, OidSpan, SnmpValue&);
+  bool (*next)(Context&, std::uint32_t, std::optional<OidSpan>, MibWalkCursor&, SnmpValue&);
 };
 
 template <typename Table>
@@ -738,23 +903,25 @@ constexpr MibScalarInfo kAgentScalars[] = {
     {"qosAgentChangesRefused", 4, Type::counter32},
 };
 
-SnmpValue scalarValue(std::uint32_t subId, const MibAgentStatus& status) {
+void scalarValue(std::uint32_t subId, const MibAgentStatus& status, SnmpValue& into) {
   switch (subId) {
     case 1:
-      return SnmpValue::timeTicksIs(status.timeStamp(status.stateLoaded));
+      return timeTicks(into, status.timeStamp(status.stateLoaded));
     case 2:
-      return SnmpValue::timeTicksIs(status.timeStamp(status.lastChangeApplied));
+      return timeTicks(into, status.timeStamp(status.lastChangeApplied));
     case 3:
-      return SnmpValue::counter32Is(static_cast<std::uint32_t>(status.changesApplied));
+      return counter32(into, static_cast<std::uint32_t>(status.changesApplied));
     default:
-      return SnmpValue::counter32Is(static_cast<std::uint32_t>(status.changesRefused));
+      return counter32(into, static_cast<std::uint32_t>(status.changesRefused));
   }
 }
 
-Oid scalarOid(const MibScalarInfo& scalar) {
-  Oid oid(kAgentGroupOid.begin(), kAgentGroupOid.end());
-  oid.push_back(scalar.subId);
-  oid.push_back(0);
+// A scalar's instance: <qosAgent>.<subId>.0.
+using ScalarOid = std::array<std::uint32_t, kAgentGroupOid.size() + 2>;
+ScalarOid scalarOid(const MibScalarInfo& scalar) {
+  ScalarOid oid{};
+  std::copy(kAgentGroupOid.begin(), kAgentGroupOid.end(), oid.begin());
+  oid[kAgentGroupOid.size()] = scalar.subId;
   return oid;
 }
 
@@ -771,21 +938,34 @@ bool startsWith(OidSpan oid, OidSpan prefix) {
   return oid.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), oid.begin());
 }
 
-VarBind valueAt(const TableEntry& table, const MibColumnInfo& column, const Oid& suffix, SnmpValue value) {
-  VarBind vb;
-  vb.oid.reserve(kObjectsOid.size() + 3 + suffix.size());
-  vb.oid.assign(kObjectsOid.begin(), kObjectsOid.end());
-  vb.oid.insert(vb.oid.end(), {table.info.subId, kEntrySubId, column.subId});
-  vb.oid.insert(vb.oid.end(), suffix.begin(), suffix.end());
-  vb.value = std::move(value);
-  return vb;
+// to = from, where from may view to's own elements (a walk passes the OID
+// it answered last back in).
+void assignOid(Oid& to, OidSpan from) {
+  const bool inside = !to.empty() && from.data() >= to.data() && from.data() < to.data() + to.size();
+  if (!inside) {
+    to.assign(from.begin(), from.end());
+    return;
+  }
+  // from starts at or after to's first element: copying forward is safe.
+  std::copy(from.begin(), from.end(), to.begin());
+  to.resize(from.size());
 }
 
-VarBind exception(OidSpan oid, SnmpException e) {
-  VarBind vb;
-  vb.oid.assign(oid.begin(), oid.end());
-  vb.exception = e;
-  return vb;
+// The instance of `column` at the row suffix, its value already written.
+void instanceOidIs(VarBind& into, const TableEntry& table, const MibColumnInfo& column, const Oid& suffix) {
+  into.oid.resize(kObjectsOid.size() + 3 + suffix.size());
+  auto out = std::copy(kObjectsOid.begin(), kObjectsOid.end(), into.oid.begin());
+  *out++ = table.info.subId;
+  *out++ = kEntrySubId;
+  *out++ = column.subId;
+  std::copy(suffix.begin(), suffix.end(), out);
+  into.exception = SnmpException::none;
+}
+
+void exceptionIs(VarBind& into, OidSpan oid, SnmpException e) {
+  assignOid(into.oid, oid);
+  into.exception = e;
+  numberIs(into.value, Type::integer32, 0, 0);
 }
 
 }  // namespace
@@ -794,6 +974,18 @@ MibView::MibView(const QosMib& mib, const MibAgentStatus* status)
     : mib_(mib), state_(std::make_unique<State>(mib, status)) {}
 
 MibView::~MibView() = default;
+
+MibView::ModelUnchanged::ModelUnchanged(const MibView& view) noexcept : state_(*view.state_) {
+  if (state_.unchangedHolds++ == 0) {
+    state_.forgetLookups();
+  }
+}
+
+MibView::ModelUnchanged::~ModelUnchanged() {
+  if (--state_.unchangedHolds == 0) {
+    state_.forgetLookups();
+  }
+}
 
 OidSpan MibView::agentGroupOid() noexcept { return kAgentGroupOid; }
 
@@ -808,37 +1000,45 @@ OidSpan MibView::agentObjectId() noexcept { return kAgentObjectId; }
 std::span<const MibTableInfo> MibView::tables() noexcept { return kTableInfos; }
 
 VarBind MibView::get(OidSpan oid) const {
+  VarBind vb;
+  get(oid, vb);
+  return vb;
+}
+
+VarBind MibView::next(OidSpan oid) const {
+  VarBind vb;
+  next(oid, vb);
+  return vb;
+}
+
+void MibView::get(OidSpan oid, VarBind& into) const {
   const std::size_t at = kObjectsOid.size();
   if (startsWith(oid, kAgentGroupOid) && oid.size() > kAgentGroupOid.size()) {
     const std::uint32_t subId = oid[kAgentGroupOid.size()];
     if (subId < 1 || subId > std::size(kAgentScalars)) {
-      return exception(oid, SnmpException::noSuchObject);
+      return exceptionIs(into, oid, SnmpException::noSuchObject);
     }
     if (oid.size() != kAgentGroupOid.size() + 2 || oid.back() != 0) {
-      return exception(oid, SnmpException::noSuchInstance);
+      return exceptionIs(into, oid, SnmpException::noSuchInstance);
     }
-    VarBind vb;
-    vb.oid.assign(oid.begin(), oid.end());
-    vb.value = scalarValue(subId, *state_->status);
-    return vb;
+    scalarValue(subId, *state_->status, into.value);
+    into.exception = SnmpException::none;
+    return assignOid(into.oid, oid);
   }
   if (!startsWith(oid, kObjectsOid) || oid.size() < at + 3 || oid[at + 1] != kEntrySubId) {
-    return exception(oid, SnmpException::noSuchObject);
+    return exceptionIs(into, oid, SnmpException::noSuchObject);
   }
   const TableEntry* table = tableAt(oid[at]);
   const MibColumnInfo* column = table ? columnAt(*table, oid[at + 2]) : nullptr;
   if (column == nullptr || !column->accessible) {
-    return exception(oid, SnmpException::noSuchObject);
+    return exceptionIs(into, oid, SnmpException::noSuchObject);
   }
   Context ctx{mib_, *state_};
-  auto value = table->get(ctx, column->subId, oid.subspan(at + 3));
-  if (!value) {
-    return exception(oid, SnmpException::noSuchInstance);
+  if (!table->get(ctx, column->subId, oid.subspan(at + 3), into.value)) {
+    return exceptionIs(into, oid, SnmpException::noSuchInstance);
   }
-  VarBind vb;
-  vb.oid.assign(oid.begin(), oid.end());
-  vb.value = std::move(*value);
-  return vb;
+  into.exception = SnmpException::none;
+  assignOid(into.oid, oid);
 }
 
 MibWalkCursor& MibView::cursor() const {
@@ -849,7 +1049,7 @@ MibWalkCursor& MibView::cursor() const {
   return *cursor_;
 }
 
-VarBind MibView::next(OidSpan oid) const {
+void MibView::next(OidSpan oid, VarBind& into) const {
   // Where the walk starts: the first table, column and row at or after
   // which an instance may follow oid. `after` is the row suffix to pass in
   // that column; absent, the column's first row is the answer.
@@ -875,10 +1075,11 @@ VarBind MibView::next(OidSpan oid) const {
     }
   } else if (!std::lexicographical_compare(oid.begin(), oid.end(), kObjectsOid.begin(), kObjectsOid.end())) {
     // Past the module's objects.
-    return exception(oid, SnmpException::endOfMibView);
+    return exceptionIs(into, oid, SnmpException::endOfMibView);
   }
 
   Context ctx{mib_, *state_};
+  MibWalkCursor& walk = cursor();
   for (; tableSubId <= kTables.size(); ++tableSubId, columnSubId = 1, after.reset()) {
     const TableEntry& table = kTables[tableSubId - 1];
     for (const MibColumnInfo& column : table.info.columns) {
@@ -887,22 +1088,21 @@ VarBind MibView::next(OidSpan oid) const {
       }
       // Past the requested column, the walk restarts at each column's first row.
       const std::optional<OidSpan> from = column.subId == columnSubId ? after : std::nullopt;
-      if (auto instance = table.next(ctx, column.subId, from, cursor())) {
-        return valueAt(table, column, cursor().suffix, std::move(*instance));
+      if (table.next(ctx, column.subId, from, walk, into.value)) {
+        return instanceOidIs(into, table, column, walk.suffix);
       }
     }
   }
   // Then the agent group's scalars, in OID order.
   for (const MibScalarInfo& scalar : kAgentScalars) {
-    Oid candidate = scalarOid(scalar);
+    const ScalarOid candidate = scalarOid(scalar);
     if (std::lexicographical_compare(oid.begin(), oid.end(), candidate.begin(), candidate.end())) {
-      VarBind vb;
-      vb.oid = std::move(candidate);
-      vb.value = scalarValue(scalar.subId, *state_->status);
-      return vb;
+      scalarValue(scalar.subId, *state_->status, into.value);
+      into.exception = SnmpException::none;
+      return assignOid(into.oid, candidate);
     }
   }
-  return exception(oid, SnmpException::endOfMibView);
+  exceptionIs(into, oid, SnmpException::endOfMibView);
 }
 
 std::string MibView::oidName(OidSpan oid) {

@@ -19,6 +19,13 @@
 // entities a row references at the time of the query, so counters are live.
 // A referenced entity that is null reads as the empty string or 0.
 //
+// A walk asks next() for the instance it was just given: the view keeps
+// that instance's place (a cursor) and steps from it without decoding the
+// OID. A table's first pass of a walk records its rows in order (one
+// iterator per row, kept for the next walks while the table neither gains
+// nor loses a row), and the later passes step through that record and
+// prefetch the rows ahead. Every answer is the one a fresh view would give.
+//
 // Beside the shortened names of the indexes, tables carry the full names
 // (class map, policy map, chip; at most 255 bytes, longer ones cut) and the
 // interface's name beside an ifIndex index, looked up in the model's
@@ -30,7 +37,7 @@
 // restarts from zero only with new counters, so two polls that read
 // different discontinuity times straddle a restart, and two that read the
 // same do not, however long nobody polled between the restart and the next
-// poll. The view keeps nothing per row.
+// poll. The view keeps no counter state of its own.
 //
 // After the tables, qosAgent (qosSnmpObjects 11) holds the agent's
 // scalars, read from the MibAgentStatus given to the constructor (all 0
@@ -49,7 +56,7 @@
 //   VarBind vb = view.next(MibView::objectsOid());   // first instance
 //   while (vb.exception == SnmpException::none) {
 //     std::cout << MibView::render(vb) << '\n';      // qosClassMapCpType.3.99.109.49.1 = 1
-//     vb = view.next(vb.oid);
+//     view.next(vb.oid, vb);                         // reuses vb's storage
 //   }
 #pragma once
 
@@ -166,6 +173,13 @@ class MibView {
   // oid, or endOfMibView. Any oid is accepted: before the module, inside it
   // (whole, partial, malformed index) or after it.
   VarBind next(OidSpan oid) const;
+  // The same answers written into `into`, whose OID and text storage is
+  // reused: a caller that keeps one VarBind across queries (the SNMP front
+  // end, once per varbind) allocates nothing once that storage has grown.
+  // Every field of `into` is overwritten. oid may view into.oid itself
+  // (view.next(vb.oid, vb) steps a walk).
+  void get(OidSpan oid, VarBind& into) const;
+  void next(OidSpan oid, VarBind& into) const;
 
   // "qosClassMapCpType.3.99.109.49.1": the column's name and the index
   // sub-identifiers; an OID that names no column is written dotted.
@@ -175,6 +189,23 @@ class MibView {
 
   // What the view keeps between queries (defined in MibView.cpp).
   struct State;
+
+  // While one lives, its holder promises that the model does not change:
+  // the view may then reuse what it looked up in the model for one answer
+  // in the next ones (an interface's ECN counters, read for each of its
+  // queues' rows). The SNMP front end holds one while it reads requests.
+  // Holds may nest; the view must outlive them. Nothing is reused once the
+  // last one is gone.
+  class ModelUnchanged {
+   public:
+    explicit ModelUnchanged(const MibView& view) noexcept;
+    ~ModelUnchanged();
+    ModelUnchanged(const ModelUnchanged&) = delete;
+    ModelUnchanged& operator=(const ModelUnchanged&) = delete;
+
+   private:
+    State& state_;
+  };
 
  private:
   MibWalkCursor& cursor() const;

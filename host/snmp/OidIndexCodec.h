@@ -38,6 +38,7 @@
 #include <tuple>
 #include <utility>
 
+#include "host/snmp/CachePrefetch.h"
 #include "host/snmp/MibView.h"
 #include "snmp/String.h"
 
@@ -53,9 +54,11 @@ enum class FieldRead {
 template <std::size_t MaxSize>
 struct OctetStringIndexField {
   using Value = Snmp::String;
+  using Ref = const Value&;
 
   static Value min() { return {}; }
   static bool encodable(const Value& value) noexcept { return value.size() <= MaxSize; }
+  static void prefetch(const Value& value) noexcept { prefetchLine(value.data()); }
   static void encode(const Value& value, Oid& out) {
     out.push_back(static_cast<std::uint32_t>(value.size()));
     for (const char c : value.view()) {
@@ -128,6 +131,7 @@ template <typename T, std::int64_t Min, std::int64_t Max>
 struct IntegerIndexField {
   static_assert(0 <= Min && Min <= Max && Max <= 0xFFFFFFFF, "an index integer is one sub-identifier");
   using Value = T;
+  using Ref = T;
 
   static Value min() noexcept { return static_cast<T>(Min); }
   static bool encodable(Value value) noexcept {
@@ -135,6 +139,7 @@ struct IntegerIndexField {
     return Min <= wide && wide <= Max;
   }
   static void encode(Value value, Oid& out) { out.push_back(static_cast<std::uint32_t>(value)); }
+  static void prefetch(Value /*value*/) noexcept {}
   static FieldRead read(OidSpan suffix, std::size_t& pos, Value& value) noexcept {
     if (pos == suffix.size()) {
       value = min();
@@ -167,6 +172,9 @@ template <typename... Fields>
 class OidIndexCodec {
  public:
   using Values = std::tuple<typename Fields::Value...>;
+  // The fields of a record viewed in place (strings by reference), for
+  // encoding without copying them.
+  using Refs = std::tuple<typename Fields::Ref...>;
   static constexpr std::size_t kFields = sizeof...(Fields);
 
   struct Seek {
@@ -174,14 +182,27 @@ class OidIndexCodec {
     SeekBound bound;
   };
 
-  static bool encodable(const Values& values) {
+  // Tuple: Values or Refs.
+  template <typename Tuple = Values>
+  static bool encodable(const Tuple& values) {
     return forAll([&]<std::size_t I>() { return field<I>::encodable(std::get<I>(values)); });
   }
 
   // REQUIRES: encodable(values).
-  static void encode(const Values& values, Oid& out) {
+  template <typename Tuple = Values>
+  static void encode(const Tuple& values, Oid& out) {
     forAll([&]<std::size_t I>() {
       field<I>::encode(std::get<I>(values), out);
+      return true;
+    });
+  }
+
+  // Asks for the cache lines the fields' encoding will read (the strings'
+  // characters) ahead of time; touches nothing itself.
+  template <typename Tuple = Values>
+  static void prefetch(const Tuple& values) {
+    forAll([&]<std::size_t I>() {
+      field<I>::prefetch(std::get<I>(values));
       return true;
     });
   }

@@ -609,6 +609,8 @@ double SnmpFrontEnd::beforeWait(std::vector<int>& fds) {
 }
 
 void SnmpFrontEnd::afterWait(const std::vector<int>& readyFds) {
+  // The model changes only outside this hook (on the same thread).
+  const MibView::ModelUnchanged unchanged(view_);
   if (!readyFds.empty()) {
     netsnmp_large_fd_set ready;
     netsnmp_large_fd_set_init(&ready,
@@ -654,33 +656,32 @@ void SnmpFrontEnd::answer(netsnmp_agent_request_info_s* requestInfo, netsnmp_req
     requested_.assign(varBind->name, varBind->name + varBind->name_length);
     ++varbindsAnswered_;
     if (mode == MODE_GET) {
-      const VarBind answer = view_.get(requested_);
-      if (answer.exception == SnmpException::none) {
-        setValue(varBind, answer.value);
+      view_.get(requested_, answer_);
+      if (answer_.exception == SnmpException::none) {
+        setValue(varBind, answer_.value);
       } else {
-        netsnmp_set_request_error(requestInfo, request, exceptionType(answer.exception));
+        netsnmp_set_request_error(requestInfo, request, exceptionType(answer_.exception));
       }
       continue;
     }
     // GETNEXT: an inclusive request (AgentX) may be answered by the OID itself.
-    VarBind answer;
     if (request->inclusive != 0) {
-      answer = view_.get(requested_);
+      view_.get(requested_, answer_);
     }
-    if (request->inclusive == 0 || answer.exception != SnmpException::none) {
-      answer = view_.next(requested_);
+    if (request->inclusive == 0 || answer_.exception != SnmpException::none) {
+      view_.next(requested_, answer_);
     }
-    if (answer.exception != SnmpException::none) {
+    if (answer_.exception != SnmpException::none) {
       // Nothing after it here: left unanswered, the agent goes on to the
       // next registration (or answers endOfMibView).
       continue;
     }
     // The view's OIDs are short: names are at most 30 bytes.
-    assert(answer.oid.size() <= MAX_OID_LEN);
+    assert(answer_.oid.size() <= MAX_OID_LEN);
     oid name[MAX_OID_LEN];
-    std::copy(answer.oid.begin(), answer.oid.end(), name);
-    snmp_set_var_objid(varBind, name, answer.oid.size());
-    setValue(varBind, answer.value);
+    std::copy(answer_.oid.begin(), answer_.oid.end(), name);
+    snmp_set_var_objid(varBind, name, answer_.oid.size());
+    setValue(varBind, answer_.value);
   }
 }
 

@@ -62,7 +62,9 @@
 // it asks net-snmp for its current descriptors and next timeout (never
 // cached: a reconnect may reuse a descriptor number), and after the wait
 // reads what is ready, runs request timeouts, alarms (AgentX pings and
-// reconnects) and delayed requests. No thread, no signal-driven alarm.
+// reconnects) and delayed requests, holding MibView::ModelUnchanged
+// meanwhile: nothing in that hook changes the model. No thread, no
+// signal-driven alarm.
 //
 // One per process, and at most one started at a time: net-snmp's agent
 // state is global. start() may follow stop() in the same process. Call
@@ -186,7 +188,10 @@ class SnmpFrontEnd : private Kel::ActivityManager::TurnHook {
   bool subagentConnected_ = false;
   bool everConnected_ = false;
   std::chrono::steady_clock::time_point lostAt_;
-  Oid requested_;  // scratch: the OID of the varbind being answered
+  // Scratch, reused across varbinds: the OID of the varbind being answered
+  // and the view's answer.
+  Oid requested_;
+  VarBind answer_;
 };
 
 }  // namespace QosSnmpHost

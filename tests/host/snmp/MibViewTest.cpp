@@ -569,6 +569,198 @@ TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileRowsComeAndGo) {
   EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
 }
 
+// The walk steps through a table's rows once per column; these changes hit
+// a pass while it records the table's order, after it completed it, and
+// while later passes use it: rows added and deleted before, at and after
+// the walk's position, and at either end of the table.
+TEST_F(MibViewTest, WalkStepsMatchAFreshViewWhileManyRowsComeAndGo) {
+  for (const unsigned seed : {1U, 2U, 3U, 4U, 5U, 6U}) {
+    QosMib& mib = *mib_;
+    std::mt19937 random(seed);
+    std::vector<QosSnmp::ClassMapTableIndex> present;
+    auto nameOf = [](int i) { return Snmp::String("cm" + std::to_string(100 + i)); };
+    for (int i = 0; i < 40; i += 2) {
+      present.emplace_back(nameOf(i), Qos::mapQos_);
+      mib.classMapTableIs(present.back(), cm1_);
+    }
+    // Seeds 1 to 3 change the table often; 4 to 6 seldom, so that whole
+    // passes use the recorded order between changes.
+    const int oneIn = seed <= 3 ? 4 : 40;
+    MibView view(mib);
+    VarBind vb;
+    view.next(Oid{}, vb);
+    int steps = 0;
+    while (vb.exception == SnmpException::none && steps < 100000) {
+      if (std::uniform_int_distribution<int>(0, oneIn - 1)(random) == 0) {
+        const int i = std::uniform_int_distribution<int>(-1, 41)(random);
+        const QosSnmp::ClassMapTableIndex index(i < 0 ? Snmp::String("a") : nameOf(i), Qos::mapQos_);
+        const auto it = std::find(present.begin(), present.end(), index);
+        if (it == present.end()) {
+          mib.classMapTableIs(index, cm1_);
+          present.push_back(index);
+        } else {
+          mib.classMapTableDel(index);
+          present.erase(it);
+        }
+      }
+      const Oid asked = vb.oid;
+      const VarBind expected = MibView(mib).next(asked);
+      view.next(vb.oid, vb);
+      ASSERT_EQ(vb.oid, expected.oid) << "seed " << seed << " step " << steps;
+      ASSERT_EQ(vb.exception, expected.exception) << "seed " << seed << " step " << steps;
+      ASSERT_EQ(vb.value, expected.value) << "seed " << seed << " step " << steps;
+      ++steps;
+    }
+    EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+    EXPECT_GT(steps, 100) << "seed " << seed;
+    for (const auto& index : present) {
+      mib.classMapTableDel(index);
+    }
+  }
+}
+
+TEST_F(MibViewTest, AnswersIntoAReusedVarBindMatchAFreshViewWhileRowsComeAndGo) {
+  // One VarBind carries the walk, as the front end keeps one across
+  // varbinds: every step is written over the previous answer (longer and
+  // shorter OIDs and texts, other types, exceptions), and a GET between the
+  // steps writes over a second reused VarBind.
+  const std::string longCmap = "class-" + std::string(60, 'c');
+  VarBind vb;
+  view_.next(Oid{}, vb);
+  VarBind got;
+  int steps = 0;
+  for (int step = 0; vb.exception == SnmpException::none && step < 100000; ++step, ++steps) {
+    switch (step) {
+      case 0:  // after the walk's first row: a row with a long full name
+        mib_->classMapTableIs({QosSnmp::uniqueId(Kel::String(longCmap)), Qos::mapQos_},
+                              Kel::make<Qos::ClassMapStatus>(Kel::String(longCmap)));
+        break;
+      case 2:  // the row the walk would visit next
+        mib_->classMapTableDel({"copp-system-bgp", Qos::mapControlPlane_});
+        break;
+      case 5:
+        mib_->classMapTableIs({"cm0", Qos::mapQos_}, cm1_);
+        break;
+      default:
+        break;
+    }
+    const Oid asked = vb.oid;
+    const VarBind expected = MibView(*mib_).next(asked);
+    view_.next(vb.oid, vb);
+    ASSERT_EQ(vb.oid, expected.oid) << "step " << step;
+    ASSERT_EQ(vb.exception, expected.exception) << "step " << step;
+    ASSERT_EQ(vb.value, expected.value) << "step " << step;
+    // GET of the instance just answered, of one that is not there, and of
+    // something that is no column.
+    for (const Oid& probe : {vb.oid, cat({vb.oid, {0}}), cat({kObjects, {3, 1, 1}})}) {
+      view_.get(probe, got);
+      const VarBind fresh = MibView(*mib_).get(probe);
+      ASSERT_EQ(got.oid, fresh.oid) << "step " << step;
+      ASSERT_EQ(got.exception, fresh.exception) << "step " << step;
+      ASSERT_EQ(got.value, fresh.value) << "step " << step;
+    }
+  }
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(steps + 1, static_cast<int>(expectedInstances(*mib_).size()));
+}
+
+TEST_F(MibViewTest, AnswerIntoAVarBindOverwritesEveryField) {
+  const Oid instanceOid = instance(kClassMapTable, 3, cat({nameOid("cm1"), {1}}));
+  const Oid missing = instance(kClassMapTable, 3, cat({nameOid("cm9"), {1}}));
+  const Oid scalar = cat({kObjects, {kAgentGroup, 1, 0}});
+  auto stale = [] {
+    VarBind vb;
+    vb.oid = Oid(200, 7);
+    vb.exception = SnmpException::noSuchObject;
+    vb.value = SnmpValue::octetStringIs(std::string(300, 'x'));
+    vb.value.integer = -5;
+    vb.value.number = 99;
+    return vb;
+  };
+  const Oid last = expectedInstances(*mib_).back();
+  for (const Oid& probe : {instanceOid, missing, scalar, kObjects, last, Oid{2}}) {
+    for (const bool next : {false, true}) {
+      VarBind into = stale();
+      const VarBind fresh = next ? MibView(*mib_).next(probe) : MibView(*mib_).get(probe);
+      if (next) {
+        view_.next(probe, into);
+      } else {
+        view_.get(probe, into);
+      }
+      EXPECT_EQ(into.oid, fresh.oid) << MibView::oidName(probe) << (next ? " next" : " get");
+      EXPECT_EQ(into.exception, fresh.exception) << MibView::oidName(probe);
+      EXPECT_EQ(into.value, fresh.value) << MibView::oidName(probe);
+    }
+  }
+}
+
+TEST_F(MibViewTest, QueriesMayViewTheirOwnAnswersOid) {
+  // The OID asked may be the answer's own storage, whole or in part.
+  const std::vector<VarBind> walked = walk(view_, {});
+  VarBind vb = view_.next(Oid{});
+  for (std::size_t i = 1; i < walked.size(); ++i) {
+    view_.next(vb.oid, vb);
+    ASSERT_EQ(vb.oid, walked[i].oid);
+    ASSERT_EQ(vb.value, walked[i].value);
+  }
+  view_.next(vb.oid, vb);
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(vb.oid, walked.back().oid);
+
+  vb = walked.front();
+  view_.get(vb.oid, vb);
+  EXPECT_EQ(vb.oid, walked.front().oid);
+  EXPECT_EQ(vb.value, walked.front().value);
+  // A prefix of itself: no instance there.
+  view_.get(OidSpan(vb.oid).first(kObjects.size() + 2), vb);
+  EXPECT_EQ(vb.exception, SnmpException::noSuchObject);
+  EXPECT_EQ(vb.oid, cat({kObjects, {kClassMapTable, 1}}));
+  // A tail of itself, which lies outside the module: nothing after it.
+  vb = walked.front();
+  const Oid tail(vb.oid.begin() + 1, vb.oid.end());
+  view_.next(OidSpan(vb.oid).subspan(1), vb);
+  EXPECT_EQ(vb.exception, SnmpException::endOfMibView);
+  EXPECT_EQ(vb.oid, tail);
+}
+
+TEST_F(MibViewTest, WhileTheModelIsHeldUnchangedAWalkMatchesAFreshView) {
+  const std::vector<VarBind> fresh = walk(MibView(*mib_), {});
+  const MibView::ModelUnchanged unchanged(view_);
+  const MibView::ModelUnchanged nested(view_);
+  const std::vector<VarBind> held = walk(view_, {});
+  ASSERT_EQ(held.size(), fresh.size());
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    EXPECT_EQ(held[i].oid, fresh[i].oid);
+    EXPECT_EQ(held[i].value, fresh[i].value) << MibView::oidName(held[i].oid);
+  }
+}
+
+TEST_F(MibViewTest, InterfaceLookupsAreNotReusedAcrossModelChanges) {
+  // Ethernet12's queues read their counters and hardware status through
+  // the interface; between two holds the model replaces both.
+  const Pellix::IntfId eth12("Ethernet12");
+  {
+    const MibView::ModelUnchanged unchanged(view_);
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(11));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 6, {12, 1}).value, SnmpValue::integer32Is(Qos::hwStatusProgrammed_));
+  }
+  auto queues = Kel::make<Qos::EcnIntfQueueCounter>(eth12);
+  queues->queueMarkedPacketsIs(1, 22);
+  ecnCounters_->intfQueueCounterIs(eth12, queues);
+  auto intfHw = Kel::make<Qos::EcnIntfCounterStatus>(eth12);
+  intfHw->programmingStatusIs(Qos::hwStatusError_);
+  slice_->ecnIntfCounterHwStatusIs(eth12, intfHw);
+  {
+    const MibView::ModelUnchanged unchanged(view_);
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(22));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 6, {12, 1}).value, SnmpValue::integer32Is(Qos::hwStatusError_));
+    EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 0}).value, SnmpValue::counter64Is(0));
+  }
+  // Without a hold, every answer looks the interface up again.
+  ecnCounters_->intfQueueCounterDel(eth12);
+  EXPECT_EQ(get(kEcnQueueCounterTable, 4, {12, 1}).value, SnmpValue::counter64Is(0));
+}
+
 TEST_F(MibViewTest, NextOfTheLastInstanceIsEndOfMibView) {
   const Oid last = expectedInstances(*mib_).back();
   EXPECT_EQ(view_.next(last).exception, SnmpException::endOfMibView);
