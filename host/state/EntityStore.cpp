@@ -20,8 +20,11 @@ Json freshValueOf(const Attr& attr) { return attr.isCollection() ? Json::object(
 }  // namespace
 
 void EntityStore::reserve(std::size_t entities) {
-  byPath_.reserve(entities);
-  pathByEntity_.reserve(entities);
+  // With room for a quarter more, so that the first entities later changes
+  // add do not rehash the whole index at once.
+  const std::size_t room = entities + entities / 4;
+  byPath_.reserve(room);
+  pathByEntity_.reserve(room);
 }
 
 Kel::Ptr<Kel::Entity> EntityStore::buildRoot(const EntityType& type, const std::string& name,

@@ -34,8 +34,8 @@ namespace QosSnmpHost {
 
 class EntityStore {
  public:
-  // Makes room for `entities` live entities in all, so that building a
-  // whole state does not grow the index step by step.
+  // Makes room for `entities` live entities in all (and some more), so
+  // that building a whole state does not grow the index step by step.
   void reserve(std::size_t entities);
   // Makes the root entity of `type` and fills it from its canonical form.
   Kel::Ptr<Kel::Entity> buildRoot(const EntityType& type, const std::string& name, const Json& canonical);
