@@ -58,6 +58,18 @@ std::optional<std::size_t> JsonInput::tooDeepAt(std::string_view text, std::size
   return std::nullopt;
 }
 
+bool JsonInput::nestedDeeperThan(const nlohmann::json& value, std::size_t maxDepth) {
+  if (!value.is_structured()) {
+    return false;
+  }
+  if (maxDepth == 0) {
+    return true;
+  }
+  return std::any_of(value.begin(), value.end(), [maxDepth](const nlohmann::json& member) {
+    return nestedDeeperThan(member, maxDepth - 1);
+  });
+}
+
 int JsonInput::lineAt(std::string_view text, std::size_t offset) {
   const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
   return 1 + static_cast<int>(std::count(text.begin(), end, '\n'));

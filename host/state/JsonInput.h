@@ -39,6 +39,11 @@ class JsonInput {
   // brackets inside them do not count.
   static std::optional<std::size_t> tooDeepAt(std::string_view text, std::size_t maxDepth);
 
+  // Whether `value` nests arrays and objects more than `maxDepth` deep (a
+  // scalar is 0 deep, {} and [] 1): the same bound for a value that did not
+  // come as text. Looks no deeper than maxDepth + 1 levels.
+  static bool nestedDeeperThan(const nlohmann::json& value, std::size_t maxDepth);
+
   // The line (from 1) of byte `offset` of `text`.
   static int lineAt(std::string_view text, std::size_t offset);
 };

@@ -242,6 +242,13 @@ Result<Change> SwitchState::apply(std::string_view line, const Source& where) {
 }
 
 Result<Change> SwitchState::apply(const StateChange& change, const Source& where) {
+  // A line's value passed this bound as text; a typed change's is held to
+  // it here, before anything recurses over it.
+  if (JsonInput::nestedDeeperThan(change.value, impl_->limits_.maxDepth)) {
+    return LoadError{
+        where.file, where.line, std::nullopt,
+        "the value is nested deeper than " + std::to_string(impl_->limits_.maxDepth) + " levels"};
+  }
   try {
     return impl_->applyEdit(change);
   } catch (const LineError& error) {

@@ -327,6 +327,20 @@ TEST_F(ChangeStreamTest, ATypedChangeFromAnotherSourceAppliesAsItsLineDoes) {
   EXPECT_EQ(state_.document(), byLines.document());
 }
 
+TEST_F(ChangeStreamTest, ATypedChangeNestedDeeperThanTheLimitIsRefusedBeforeAnythingReadsIt) {
+  const json before = state_.document();
+  QosSnmpHost::StateChange deep{QosSnmpHost::StateChange::Op::set, {"hwStatus"}, json::object()};
+  json* innermost = &deep.value;
+  for (int level = 0; level < 100000; ++level) {
+    innermost = &((*innermost)["coppSupported"] = json::object());
+  }
+  const auto refused = state_.apply(deep, {"feed", 3});
+  ASSERT_FALSE(refused);
+  EXPECT_EQ(refused.error().text(), "feed:3: the value is nested deeper than 64 levels");
+  EXPECT_EQ(state_.document(), before);
+  EXPECT_TRUE(watch_.log().empty());
+}
+
 TEST_F(ChangeStreamTest, GuardRefusalLeavesEverythingAsItWas) {
   RecordingGuard guard(&state_);
   guard.refuse = true;

@@ -67,4 +67,12 @@ TEST(JsonInputTest, ALongLibraryMessageIsCut) {
 }
 
 }  // namespace
+TEST(JsonInputTest, NestedDeeperThanCountsArraysAndObjectsNotScalars) {
+  EXPECT_FALSE(JsonInput::nestedDeeperThan(nlohmann::json(5), 0));
+  EXPECT_TRUE(JsonInput::nestedDeeperThan(nlohmann::json::object(), 0));
+  const nlohmann::json three = nlohmann::json::parse(R"({"a": [1, {"b": 2}], "c": 3})");
+  EXPECT_FALSE(JsonInput::nestedDeeperThan(three, 3));
+  EXPECT_TRUE(JsonInput::nestedDeeperThan(three, 2));
+}
+
 }  // namespace QosSnmpHost
